@@ -1,0 +1,172 @@
+#include "containers/text_string.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+char TextString::dummyByte = 0;
+
+namespace {
+
+std::int32_t textLength(const char* text) {
+    return text == nullptr ? 0 : static_cast<std::int32_t>(std::strlen(text));
+}
+
+std::int32_t absolute(std::int32_t value) {
+    // -2^31 has no positive twin; its magnitude saturates.
+    if (value == INT32_MIN) return INT32_MAX - 1;
+    return value < 0 ? -value : value;
+}
+
+}  // namespace
+
+TextString::TextString() { store("", false); }
+
+TextString::TextString(std::int32_t number) { assign(number); }
+
+TextString::TextString(char character) { assign(character); }
+
+TextString::TextString(const TextString& other, std::int32_t size) {
+    resizeBuffer(size, false);
+    store(other.buffer, false);
+}
+
+TextString::TextString(const char* text, std::int32_t size) {
+    resizeBuffer(size, false);
+    store(text, false);
+}
+
+TextString::~TextString() { release(); }
+
+void TextString::release() {
+    delete[] buffer;
+    buffer = nullptr;
+    capacity = 0;
+}
+
+std::int32_t TextString::length() const { return textLength(buffer); }
+
+char* TextString::c_str() {
+    buffer[capacity - 1] = '\0';
+    return buffer;
+}
+
+char& TextString::at(std::int32_t index) {
+    if (index < 0 || index >= capacity - 1) return dummyByte;
+    return buffer[index];
+}
+
+TextString& TextString::clear() {
+    buffer[0] = '\0';
+    return *this;
+}
+
+TextString& TextString::toLower() {
+    for (char* p = buffer; *p != '\0'; ++p) {
+        if (*p >= 'A' && *p <= 'Z') *p = static_cast<char>(*p + 32);
+    }
+    return *this;
+}
+
+TextString& TextString::store(const char* text, bool append) {
+    if (text == nullptr) {
+        if (!append) buffer[0] = '\0';
+        return *this;
+    }
+    const std::int32_t current = append ? length() : 0;
+    const std::int32_t n = textLength(text);
+    const std::int32_t needed = current + n;
+    char* old = nullptr;
+    if (capacity <= needed) {
+        char* grown = new char[static_cast<std::size_t>(needed) + 4];
+        capacity = needed + 4;
+        if (current > 0) std::memcpy(grown, buffer, static_cast<std::size_t>(current));
+        old = buffer;
+        buffer = grown;
+    }
+    // memmove: assigning an object's own buffer copies each byte onto itself;
+    // the old buffer goes only after the copy, so appending oneself is safe.
+    if (n > 0) std::memmove(buffer + current, text, static_cast<std::size_t>(n));
+    delete[] old;
+    buffer[current + n] = '\0';
+    return *this;
+}
+
+TextString& TextString::assign(std::int32_t number) {
+    char scratch[16] = {};
+    std::snprintf(scratch, sizeof scratch, "%d", static_cast<int>(number));
+    return store(scratch, false);
+}
+
+TextString& TextString::assign(char character) {
+    char scratch[16] = {};
+    scratch[0] = character;
+    return store(scratch, false);
+}
+
+TextString& TextString::append(std::int32_t number) {
+    char scratch[16] = {};
+    std::snprintf(scratch, sizeof scratch, "%d", static_cast<int>(number));
+    return store(scratch, true);
+}
+
+TextString& TextString::resizeBuffer(std::int32_t size, bool keep) {
+    char* old = buffer;
+    capacity = absolute(size) + 1;
+    buffer = new char[static_cast<std::size_t>(capacity)];
+    if (keep && old != nullptr) {
+        std::int32_t i = 0;
+        while (i < capacity - 1 && old[i] != '\0') {
+            buffer[i] = old[i];
+            ++i;
+        }
+        buffer[i] = '\0';
+    } else {
+        buffer[0] = '\0';
+    }
+    delete[] old;
+    return *this;
+}
+
+TextString& TextString::setLength(std::int32_t size) {
+    const std::int32_t a = absolute(size);
+    if (a >= capacity) resizeBuffer(a, true);
+    buffer[a] = '\0';
+    return *this;
+}
+
+std::int32_t TextString::compare(const char* text, bool caseSensitive) const {
+    const bool rightEmpty = text == nullptr || text[0] == '\0';
+    const bool leftEmpty = buffer[0] == '\0';
+    if (leftEmpty) return rightEmpty ? 0 : -1;
+    if (rightEmpty) return 1;
+    return caseSensitive ? std::strcmp(buffer, text) : compareIgnoringCase(buffer, text);
+}
+
+int compareIgnoringCase(const char* a, const char* b) {
+    for (;; ++a, ++b) {
+        int x = static_cast<unsigned char>(*a);
+        int y = static_cast<unsigned char>(*b);
+        if (x >= 'A' && x <= 'Z') x += 32;
+        if (y >= 'A' && y <= 'Z') y += 32;
+        if (x != y || x == 0) return x - y;
+    }
+}
+
+TextString operator+(const TextString& left, const TextString& right) {
+    return left + right.buffer;
+}
+
+TextString operator+(const TextString& left, const char* right) {
+    TextString joined(left, left.length() + textLength(right));
+    joined.append(right);
+    return TextString(joined, 0);
+}
+
+TextString operator+(const TextString& left, char right) {
+    char scratch[16] = {};
+    scratch[0] = right;
+    TextString joined(left.buffer, left.length() + 1);
+    joined.append(scratch);
+    return TextString(joined, 0);
+}

@@ -1,0 +1,59 @@
+// Net: one net of the board, and NetPin, one of its connections. A NetPin
+// names a component only by its key and a zero-based index into that
+// component's pins; the two meet in the writer. Nets and NetPins are never
+// released by their holders (see run_lifetime.h).
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <unordered_set>
+
+#include "containers/item_list.h"
+#include "design/named_item.h"
+
+class Design;
+class NetlistLookup;
+
+class NetPin {
+public:
+    NetPin(TextString key, std::int32_t pinIndex) : key(key), pinIndex(pinIndex) {}
+
+    TextString key;
+    TextString spare;
+    std::int32_t pinIndex;
+};
+
+// The connections of a Net, in record order, without duplicates.
+class NetPinList : public ItemList<NetPin> {
+public:
+    // Links pin at the tail unless a pin with the same key and the same
+    // pinIndex is there already; then, or for a null, returns null.
+    NetPin* addNetPin(NetPin* pin);
+
+private:
+    static std::string indexKey(const NetPin& pin);
+    static constexpr std::int32_t kIndexFrom = 8;
+    std::unordered_set<std::string> seen_;  // filled once the list is long
+};
+
+class Net : public NamedItem {
+public:
+    Net(std::int32_t index, const char* name) : NamedItem(name), index(index) {}
+
+    NetPin* addNetPin(NetPin* pin) { return pins.addNetPin(pin); }
+    // The net's block of the NETLIST section.
+    void write(std::FILE* stream, NetlistLookup& lookup);
+
+    Design* owner = nullptr;
+    NetPinList pins;
+    std::int32_t index;
+};
+
+// The nets of a Design, in reading order; frees only its nodes.
+class NetList : public ItemList<Net> {
+public:
+    Net* addNet(Net* net);
+
+    Design* owner = nullptr;
+};

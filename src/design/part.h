@@ -1,0 +1,106 @@
+// Part: one component or one package of the board, and PartPin, one of its
+// pins. A component's key is its side letter and its number in its
+// components file ("T0", "B12"); a package's key is its number in eda/data.
+// A Part owns its pins; the Design's lists own the Parts.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <unordered_map>
+
+#include "containers/item_list.h"
+#include "design/named_item.h"
+
+class Design;
+class PartList;
+
+class PartPin : public NamedItem {
+public:
+    // A package's pin: its name; pinText stays empty.
+    PartPin(TextString name, std::int32_t pinNumber, std::int32_t netNumber);
+    // A component's pin: the name is always "DUMMY"; pinText is what the
+    // netlist shows.
+    PartPin(const char* name, std::int32_t pinNumber, std::int32_t netNumber, const char* pinText);
+
+    TextString spare1;
+    std::int32_t pinNumber = 0;
+    TextString spare2;
+    std::int32_t netNumber = 0;
+    TextString pinText;
+};
+
+// The pins of a Part, in record order; owns them.
+// Lookups by name go through an index once the list is long, so the names
+// must not change after a pin is added.
+class PartPinList : public OwningItemList<PartPin> {
+public:
+    PartPin* addItem(PartPin* pin);
+    // The first pin whose name equals text, case-sensitively; or null.
+    PartPin* findPinByName(const char* text);
+    PartPin* findPinByName(TextString text) { return findPinByName(text.text()); }
+
+private:
+    static constexpr std::int32_t kIndexFrom = 16;
+    std::unordered_map<std::string, PartPin*> byName_;
+};
+
+class Part : public NamedItem {
+public:
+    explicit Part(const char* typeName);
+    ~Part();
+    Part(const Part&) = delete;
+    Part& operator=(const Part&) = delete;
+
+    // Cutting setters: the first ';' of text is overwritten with a
+    // terminator, in the caller's buffer too, before the assignment.
+    void setTypeName(char* text);
+    void setValue(char* text);
+    // Plain setters: a ';' stays in the text.
+    void setRefdes(const char* text);
+    void setPartName(const char* text) { partName.assign(text); }
+    void setManufacturerPartNo(const char* text) { manufacturerPartNo.assign(text); }
+    void setPackageIndex(std::int32_t index) { packageIndex = index; }
+    void setOwner(Design* design) { owner = design; }
+
+    // One line of the PART_LIST section, or nothing.
+    void writePartLine(std::FILE* stream);
+
+    std::int32_t state = 1;
+    Design* owner = nullptr;
+    TextString refdes;
+    TextString typeName;
+    std::int32_t packageIndex = 0;  // only meaningful in a component
+    TextString value;
+    TextString partName;
+    TextString manufacturerPartNo;
+    PartPinList pins;
+
+private:
+    friend class PartList;
+    PartList* list_ = nullptr;  // the list whose refdes index knows this part
+};
+
+// Components or packages, in reading order; owns its Parts.
+class PartList : public OwningItemList<Part> {
+public:
+    ~PartList() { clearItems(); }
+
+    // Links part at the tail and gives it the list's owner; null refused.
+    Part* addPart(Part* part);
+    // The first Part, in list order, whose refdes equals text; or null.
+    Part* findByRefdes(TextString text);
+
+    void clearItems();
+
+    Design* owner = nullptr;
+
+private:
+    friend class Part;
+    void refdesChanged() { indexValid_ = false; }
+    void rebuildIndex();
+
+    // refdes -> first Part with it, kept exact through Part::setRefdes.
+    std::unordered_map<std::string, Part*> byRefdes_;
+    bool indexValid_ = true;
+};

@@ -1,0 +1,142 @@
+// readComponents: one components file gives the components of one side
+// (CMP), their properties (PRP) and their pins (TOP). A component's key is
+// its side letter and its number in this file, which is how the nets of
+// eda/data refer to it.
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+
+#include "design/design.h"
+#include "frame/messages.h"
+#include "odb/job_reader.h"
+#include "odb/line_scanner.h"
+
+namespace {
+
+constexpr int kWordArea = 16;
+
+const char kFirstWordScan[] = "%15s";
+const char kCmpScan[] = "%*s %ld %lf %lf %lf %c %2047s %2047s";
+const char kPrpScan[] = "%*s %2047s %2047s ";
+const char kTopScan[] = "%*s %ld %lf %lf %lf %c %ld %ld %2047s";
+
+// The state of one read of a components file; the areas start empty.
+struct ComponentsRead {
+    Design& design;
+    ComponentScanner scanner;
+    TextString line;
+    TextString sideLetter;
+    std::int32_t componentNumber = 0;
+    Part* current = nullptr;
+    char firstWord[kWordArea] = {};
+    char propertyValue[kLineArea] = {};
+    char name[kLineArea] = {};
+    char partName[kLineArea] = {};
+    char pinText[kLineArea] = {};
+
+    explicit ComponentsRead(Design& target) : design(target) {}
+
+    bool cmp();
+    void prp();
+    bool top();
+    void copyQuotedValue();
+};
+
+bool ComponentsRead::cmp() {
+    long packageNumber = 0;
+    double x = 0, y = 0, rotation = 0;
+    char mirror = 0;
+    if (std::sscanf(line.text(), kCmpScan, &packageNumber, &x, &y, &rotation, &mirror, name, partName) != 7) {
+        return false;
+    }
+    Part* part = new Part(nullptr);
+    current = part;
+    part->assign(sideLetter);
+    part->append(componentNumber);
+    ++componentNumber;
+    part->setTypeName(partName);
+    part->setRefdes(name);
+    part->setPackageIndex(static_cast<std::int32_t>(packageNumber));
+    if (design.components.findByRefdes(TextString(name)) == nullptr) {
+        design.components.addPart(part);
+        return true;
+    }
+    // Reference names stay unique across both sides: R1, R1_, R1__ ...
+    TextString unique(name);
+    while (design.components.findByRefdes(unique) != nullptr) unique.append("_");
+    part->setRefdes(unique.text());
+    design.components.addPart(part);
+    // The line counter is one ahead of the record's line number.
+    writeMessage(0, "Warning: Component with name %s already found at line %d, renaming to %s", name,
+                 scanner.lineCounter, unique.text());
+    return true;
+}
+
+// PRP NAME 'a quoted value': from the line's first quote to the next one,
+// white space turned into "_". With no closing quote the copy ends at the
+// line end (LF or CR LF), which is not copied.
+void ComponentsRead::copyQuotedValue() {
+    const char* from = std::strchr(line.text(), '\'');
+    if (from == nullptr) return;
+    ++from;
+    int length = 0;
+    for (const char* p = from; *p != '\0' && *p != '\''; ++p) {
+        if (*p == '\n' || (*p == '\r' && (p[1] == '\n' || p[1] == '\0'))) break;
+        if (length < kLineArea - 1) propertyValue[length++] = isWhiteSpace(*p) ? '_' : *p;
+    }
+    propertyValue[length] = '\0';
+}
+
+void ComponentsRead::prp() {
+    // No result of this scan ends the record: a missing word leaves the area
+    // as the last record left it.
+    std::sscanf(line.text(), kPrpScan, name, propertyValue);
+    enum { kNone, kValue, kManufacturerPartNo, kPartName } property = kNone;
+    if (std::strcmp(name, "VALUE") == 0) property = kValue;
+    else if (std::strcmp(name, "MANUFACTURER_PART_NO.") == 0) property = kManufacturerPartNo;
+    else if (std::strcmp(name, "PART_NAME") == 0) property = kPartName;
+    if (property == kNone || current == nullptr) return;
+    if (propertyValue[0] == '\'') copyQuotedValue();
+    switch (property) {
+        case kValue: current->setValue(propertyValue); break;
+        case kManufacturerPartNo: current->setManufacturerPartNo(propertyValue); break;
+        case kPartName: current->setPartName(propertyValue); break;
+        case kNone: break;
+    }
+}
+
+bool ComponentsRead::top() {
+    if (current == nullptr) return false;
+    long pinNumber = 0, netNumber = 0, subnetNumber = 0;
+    double x = 0, y = 0, rotation = 0;
+    char mirror = 0;
+    if (std::sscanf(line.text(), kTopScan, &pinNumber, &x, &y, &rotation, &mirror, &netNumber, &subnetNumber,
+                    pinText) != 8) {
+        return false;
+    }
+    current->pins.addItem(new PartPin("DUMMY", static_cast<std::int32_t>(pinNumber),
+                                      static_cast<std::int32_t>(netNumber), pinText));
+    return true;
+}
+
+}  // namespace
+
+std::int32_t JobReader::readComponents(TextString layerName) {
+    ComponentsRead read(design);
+    read.sideLetter.assign(layerName.equals("comp_+_top") ? "T" : "B");
+    if (!read.scanner.open(componentsPath(layerName.text()), &design)) return 1;
+    while (read.scanner.readLine(read.line) != -1) {
+        // A line of blanks scans no word: the last word is dispatched again.
+        if (std::sscanf(read.line.text(), kFirstWordScan, read.firstWord) == 0) return 1;
+        bool goOn = true;
+        switch (read.scanner.lookup(read.firstWord)) {
+            case ComponentScanner::kCmp: goOn = read.cmp(); break;
+            case ComponentScanner::kPrp: read.prp(); break;
+            case ComponentScanner::kTop: goOn = read.top(); break;
+            default: break;
+        }
+        if (!goOn) return 1;
+    }
+    std::printf("Number of component(s), %s - layer:%d\n", read.sideLetter.text(), read.componentNumber);
+    return 0;
+}

@@ -1,0 +1,120 @@
+// readEdaData: the step's eda/data file gives the nets with their
+// connections (NET, SNT TOP), the packages (PKG) and their pin names (PIN).
+// Everything else in the file is passed over.
+#include <cstdint>
+#include <cstdio>
+
+#include "design/design.h"
+#include "design/run_lifetime.h"
+#include "odb/job_reader.h"
+#include "odb/line_scanner.h"
+
+namespace {
+
+// The first word's area holds 15 characters; no keyword is that long.
+constexpr int kWordArea = 16;
+
+// The scans of the records, each bounded by its area.
+const char kFirstWordScan[] = "%15s";
+const char kNetScan[] = "%*s %2047s %2047s";
+const char kSntKindScan[] = "%*s %15s";
+const char kSntTopScan[] = "%*s %*s %c %2047s %ld";
+const char kNameScan[] = "%*s %2047s";
+
+// The state of one read of eda/data.
+struct EdaRead {
+    Design& design;
+    EdaScanner scanner;
+    TextString line;
+    std::int32_t netNumber = 0;
+    std::int32_t packageNumber = 0;
+    Net* currentNet = nullptr;
+    Part* currentPackage = nullptr;
+    char firstWord[kWordArea] = {};
+    char secondWord[kLineArea] = {};
+    char pinName[kLineArea] = {};
+    char netName[kLineArea] = {};
+    char numberWord[kLineArea] = {};
+    char packageName[kLineArea] = {};
+
+    explicit EdaRead(Design& target) : design(target) {}
+
+    // Each handler returns false when its record ends the read.
+    bool net();
+    bool snt();
+    bool pkg();
+    bool pin();
+};
+
+bool EdaRead::net() {
+    if (std::sscanf(line.text(), kNetScan, netName, secondWord) < 1) return false;
+    // "NET GND ;;ID=7" names GND; "NET GND A" names GNDA.
+    TextString name(netName);
+    if (secondWord[0] != '\0' && secondWord[0] != ';') name.append(secondWord);
+    secondWord[0] = '\0';
+    if (name.equalsIgnoreCase("$NONE$")) {
+        currentNet = nullptr;
+        return true;
+    }
+    Net* created = makeForRun<Net>(netNumber, name.text());
+    currentNet = created;
+    design.noteNetNameLength(name.length());
+    design.nets.addNet(created);
+    ++netNumber;
+    return true;
+}
+
+bool EdaRead::snt() {
+    if (currentNet == nullptr) return true;
+    if (std::sscanf(line.text(), kSntKindScan, firstWord) != 1) return false;
+    if (scanner.lookup(firstWord) != EdaScanner::kTop) return true;
+    char side = 0;
+    long pinIndex = 0;
+    if (std::sscanf(line.text(), kSntTopScan, &side, numberWord, &pinIndex) != 3) return false;
+    // "SNT TOP T 12 3" ties the net to pin index 3 of component T12.
+    TextString key = TextString(side) + numberWord;
+    currentNet->addNetPin(makeForRun<NetPin>(key, static_cast<std::int32_t>(pinIndex)));
+    return true;
+}
+
+bool EdaRead::pkg() {
+    if (std::sscanf(line.text(), kNameScan, packageName) != 1) return false;
+    currentNet = nullptr;
+    Part* package = new Part(packageName);
+    currentPackage = package;
+    package->assign(packageNumber);
+    ++packageNumber;
+    design.packages.addPart(package);
+    return true;
+}
+
+bool EdaRead::pin() {
+    currentNet = nullptr;
+    if (currentPackage == nullptr) return false;
+    if (std::sscanf(line.text(), kNameScan, pinName) != 1) return false;
+    TextString name(pinName);
+    while (currentPackage->pins.findPinByName(name) != nullptr) name.append("_");
+    currentPackage->pins.addItem(new PartPin(name, 0, 0));
+    return true;
+}
+
+}  // namespace
+
+std::int32_t JobReader::readEdaData() {
+    EdaRead read(design);
+    if (!read.scanner.open(edaDataPath(), &design)) return 1;
+    while (read.scanner.readLine(read.line) != -1) {
+        // A line of blanks scans no word: the last word is dispatched again.
+        if (std::sscanf(read.line.text(), kFirstWordScan, read.firstWord) == 0) return 1;
+        bool goOn = true;
+        switch (read.scanner.lookup(read.firstWord)) {
+            case EdaScanner::kNet: goOn = read.net(); break;
+            case EdaScanner::kSnt: goOn = read.snt(); break;
+            case EdaScanner::kPkg: goOn = read.pkg(); break;
+            case EdaScanner::kPin: goOn = read.pin(); break;
+            default: break;
+        }
+        if (!goOn) return 1;
+    }
+    return 0;
+}

@@ -1,0 +1,23 @@
+// KeywordTable: turns the first word of a record into the code a file reader
+// dispatches on. Entries are searched in the order they were added, and the
+// first match wins. Each scanner fills its own table and decides how words
+// are compared and what an unlisted word gives.
+#pragma once
+
+#include <cstdint>
+
+#include "containers/item_list.h"
+#include "containers/text_string.h"
+
+struct Keyword {
+    TextString keyword;
+    std::int32_t code = 0;
+};
+
+class KeywordTable : public RecordList<Keyword> {
+public:
+    void add(const char* keyword, std::int32_t code);
+    // The code of the first entry equal to word (ignoring ASCII case when
+    // caseSensitive is false); notFound when none is, or the table is empty.
+    std::int32_t lookup(const char* word, bool caseSensitive, std::int32_t notFound);
+};

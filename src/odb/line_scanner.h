@@ -1,0 +1,72 @@
+// The line scanners of a components file and of eda/data. Both hand out one
+// line at a time, line end included, in pieces of at most 2047 characters,
+// and skip lines that start with '#', a line feed or a carriage return.
+// They differ on purpose in one rule and in their tables:
+//   ComponentScanner also skips '@' lines; an unlisted word gives 0.
+//   EdaScanner hands '@' lines over; an unlisted word gives 1.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+
+#include "containers/text_string.h"
+#include "odb/keyword_table.h"
+
+class Design;
+
+// A line of a job file: 2047 characters and the terminator.
+constexpr int kLineArea = 2048;
+
+class LineScanner {
+public:
+    LineScanner(const LineScanner&) = delete;
+    LineScanner& operator=(const LineScanner&) = delete;
+    ~LineScanner();
+
+    // Opens path (job lookup, ignoring case) and fills the table; false,
+    // with nothing printed, when the file can't be opened or design is null.
+    bool open(const TextString& path, Design* design);
+    // 0 with a line in line; -1 at the end of the file (line unchanged).
+    std::int32_t readLine(TextString& line);
+    std::int32_t lookup(const char* word) { return keywords.lookup(word, true, notFound_); }
+    void close();
+
+    std::FILE* file = nullptr;
+    bool endOfFile = false;
+    KeywordTable keywords;
+    Design* design = nullptr;
+    std::int32_t lineCounter = 1;
+    char lineBuffer[kLineArea] = {};
+    bool opened = false;
+
+protected:
+    using TableFiller = void (*)(KeywordTable&);
+    LineScanner(bool skipAtLines, std::int32_t notFound, TableFiller fill)
+        : skipAtLines_(skipAtLines), notFound_(notFound), fill_(fill) {}
+
+private:
+    const bool skipAtLines_;
+    const std::int32_t notFound_;
+    const TableFiller fill_;
+};
+
+class ComponentScanner : public LineScanner {
+public:
+    enum Code { kCmp = 1, kPrp = 2, kTop = 3 };
+    ComponentScanner() : LineScanner(true, 0, fillTable) {}
+
+private:
+    static void fillTable(KeywordTable& table);
+};
+
+class EdaScanner : public LineScanner {
+public:
+    enum Code { kUnlisted = 1, kNet = 6, kSnt = 7, kPkg = 8, kPin = 9, kTop = 22 };
+    EdaScanner() : LineScanner(false, 1, fillTable) {}
+
+private:
+    static void fillTable(KeywordTable& table);
+};
+
+// 0 when the file at path (job lookup) can be opened for reading, 1 if not.
+std::int32_t fileExists(const TextString& path);

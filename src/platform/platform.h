@@ -1,0 +1,134 @@
+// The only door to the operating system. Every OS service the converter uses
+// is declared here; platform_posix.cpp and platform_win32.cpp implement the
+// same functions in the same order. Each comment names the Win32 / C runtime
+// call the function stands for, so the logic reads the same on every system.
+//
+// Texts are plain zero-terminated byte strings; nothing here allocates memory
+// that a caller must free.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+namespace platform {
+
+// The separator every built path uses. Code that searches a path for a
+// separator accepts both '\\' and '/' (isPathSeparator).
+extern const char kPathSeparator;
+extern const char kPathSeparatorText[];
+bool isPathSeparator(char c);
+
+// The limit that _fullpath is always called with.
+constexpr int kFullPathLimit = 270;
+
+// GetCurrentDirectoryA: writes the current directory as an absolute,
+// zero-terminated path into buffer (size bytes). A root comes back with its
+// trailing separator ("/" or "C:\"), every other directory without one.
+// Writes the empty text when it does not fit.
+void currentDirectory(char* buffer, int size);
+
+// getenv: the variable's value, or null.
+const char* environmentValue(const char* name);
+
+// _fullpath(buffer, path, limit): the absolute form of path, resolved by text
+// ("." and ".." folded, repeated separators collapsed, a trailing separator
+// kept; no link resolution, no existence test). An empty path gives the
+// current directory. Returns false, with buffer undefined, when the result
+// and its terminator do not fit limit bytes.
+bool fullPath(char* buffer, const char* path, int limit);
+
+// _stat64i32: returns true when the path exists. A path that ends in a
+// separator counts as not existing unless it is a root.
+// isDirectory (may be null) receives bit 0x4000 of st_mode.
+bool statPath(const char* path, bool* isDirectory);
+
+// _splitpath's extension: the text from the last dot of the name on, or the
+// empty text. Separators end the name.
+std::string pathExtension(const char* name);
+
+// Opening a file of an unpacked job for reading (text mode). When the exact
+// path does not exist, each path component is matched ignoring ASCII case,
+// as a Windows file system does; an exact match always wins, and among
+// several case variants the first in byte order is taken. A directory counts
+// as missing. Returns null when no file is found or it can't be opened.
+std::FILE* openJobFile(const char* path);
+
+// --- Directory search: FindFirstFileA / FindNextFileA / FindClose --------
+
+constexpr std::uint32_t kAttributeReadOnly = 0x01;   // FILE_ATTRIBUTE_READONLY
+constexpr std::uint32_t kAttributeDirectory = 0x10;  // FILE_ATTRIBUTE_DIRECTORY
+
+struct FindRecord {
+    std::uint32_t attributes = 0;
+    std::string name;
+};
+
+// One enumeration. Given "dir<sep>*" it yields ".", "..", then the entries
+// of dir in byte order; given a bare path it yields that path's own entry.
+// A symbolic link is never a directory, so no walk recurses through one.
+class DirectorySearch {
+public:
+    DirectorySearch() = default;
+    DirectorySearch(const DirectorySearch&) = delete;
+    DirectorySearch& operator=(const DirectorySearch&) = delete;
+    ~DirectorySearch();
+
+    // FindFirstFileA: false (an invalid handle) when there is nothing to
+    // enumerate; record is then untouched.
+    bool findFirst(const char* pattern, FindRecord& record);
+    // FindNextFileA: false at the end, with record untouched.
+    bool findNext(FindRecord& record);
+    // FindClose.
+    void close();
+
+private:
+    std::vector<FindRecord> entries_;
+    std::size_t next_ = 0;
+    bool open_ = false;
+};
+
+// _chmod(path, 0x80): give the owner write permission.
+void makeWritable(const char* path);
+
+// DeleteFileA: false when the file can't be deleted; a read-only file can't.
+bool deleteFile(const char* path);
+
+// RemoveDirectoryA: false unless the empty directory was removed.
+bool removeDirectory(const char* path);
+
+// --- Processes: CreateProcessA / WaitForSingleObject / GetExitCodeProcess /
+// CloseHandle -----------------------------------------------------------------
+
+struct ProcessHandle {
+    std::intptr_t id = 0;      // the process: pid or HANDLE
+    std::intptr_t thread = 0;  // the first thread's HANDLE; unused on POSIX
+    bool ended = false;        // waited for, and exitCode is valid
+    std::uint32_t exitCode = 0;
+};
+
+// Splits a command line into arguments by the rules of the Windows C runtime:
+// the program name runs to the next blank or, quoted, to the next quote;
+// after it double quotes group, 2n backslashes before a quote give n
+// backslashes, 2n+1 give n and a literal quote, and "" inside a quoted part
+// gives a literal quote.
+std::vector<std::string> splitCommandLine(const char* commandLine);
+
+// CreateProcessA with CREATE_NEW_CONSOLE and SW_HIDE: starts commandLine
+// without waiting, its standard streams away from ours (hidden console).
+// A bare program name is searched on PATH. Returns false when the program
+// can't be started.
+bool startProcess(const char* commandLine, ProcessHandle* process);
+
+// WaitForSingleObject(process, INFINITE).
+void waitForProcess(ProcessHandle* process);
+
+// GetExitCodeProcess: false when the code can't be read.
+bool processExitCode(ProcessHandle* process, std::uint32_t* code);
+
+// CloseHandle on both handles. A process that was never waited for may stay
+// a zombie until the program ends.
+void closeProcess(ProcessHandle* process);
+
+}  // namespace platform

@@ -1,0 +1,51 @@
+// ArchiveUnpacker: owns the temporary tree of one run. unpack() makes a
+// directory with a random name, has the 7-Zip console tool qx7za.exe fill
+// it, peels lone files (unpacked in turn) and lone directories (descended
+// into) down to the job root, and expands the job's ".Z" members.
+// removeTemporaryTree() takes the tree away again.
+#pragma once
+
+#include <cstdint>
+
+#include "containers/text_string.h"
+#include "unpack/compressed_files.h"
+
+class ArchiveUnpacker {
+public:
+    // 0 when the tool ran to its end, whatever its exit code; 1 when it could
+    // not be found ("Error, qx7za.exe not found") or started.
+    std::int32_t runUnpacker(const TextString& source, const TextString& target);
+
+    // 0: jobRoot and jobName are set. 1: a tree is in use already. 2: the
+    // input or the temporary directory can't be statted. 3: no free name.
+    // 6: the peeling ended in an empty directory. 9: nothing was unpacked.
+    std::int32_t unpack(const TextString& inputFile, const TextString& tempDirectory, TextString& jobRoot,
+                        TextString& jobName);
+
+    // Queues every ".Z" / ".z" file below path in enumeration order.
+    // 1 when path can't be enumerated.
+    std::int32_t collectCompressedFiles(TextString path, CompressedFileList& queue);
+    // Expands each queued file into its own directory, first found first.
+    // 0, or the failure of the tool (see the exit code table in the .cpp).
+    std::int32_t expandCompressedFiles(CompressedFileList& queue);
+
+    // 0 when the tree is gone; 1 if not, or if there was none.
+    std::int32_t removeTemporaryTree();
+    // Empties the directory path: 0 done, 1 can't enumerate, 2 something
+    // below could not be removed.
+    std::int32_t removeTree(TextString path);
+
+    bool treeInUse = false;
+    TextString archivePath;
+    bool treeCreated = false;
+    TextString tempPath;
+    TextString unpackerCommand;
+    bool unpackerFound = false;
+
+private:
+    bool findUnpacker();
+};
+
+// Fills buffer with length characters of the random-name alphabet and a
+// terminator.
+void makeRandomName(char* buffer, int length);

@@ -1,0 +1,64 @@
+// Finding and running the 7-Zip console tool qx7za.exe. It is looked for in
+// the product directories named by RQT32 and VOSKARDIR, then on the search
+// path; a candidate is found when it can be started.
+#include <cstdio>
+
+#include "platform/platform.h"
+#include "unpack/archive_unpacker.h"
+
+namespace {
+
+const char kUnpackerName[] = "qx7za.exe";
+
+// Starts the candidate once with no arguments. The probe is not waited for
+// and its handles stay open: it may still run when the unpack starts.
+bool probe(const TextString& command) {
+    platform::ProcessHandle process;
+    return platform::startProcess(command.text(), &process);
+}
+
+}  // namespace
+
+bool ArchiveUnpacker::findUnpacker() {
+    for (const char* variable : {"RQT32", "VOSKARDIR"}) {
+        const char* directory = platform::environmentValue(variable);
+        if (directory == nullptr || directory[0] == '\0') continue;
+        TextString command = TextString("\"") + directory + platform::kPathSeparatorText + kUnpackerName + "\"";
+        if (probe(command)) {
+            unpackerFound = true;
+            unpackerCommand.assign(command);
+            std::printf("Using unzip: %s\n", unpackerCommand.text());
+            return true;
+        }
+    }
+    TextString bare(kUnpackerName);
+    if (probe(bare)) {
+        unpackerFound = true;
+        unpackerCommand.assign(bare);
+        std::printf("Using unzip from search path\n");
+        return true;
+    }
+    std::printf("Error, qx7za.exe not found\n");
+    return false;
+}
+
+std::int32_t ArchiveUnpacker::runUnpacker(const TextString& source, const TextString& target) {
+    if (!unpackerFound && !findUnpacker()) return 1;
+    // "<tool>" x "<source>" -o"<target>" -y, paths as they stand.
+    const TextString command = unpackerCommand + " x \"" + source + "\" -o\"" + target + "\" -y";
+    platform::ProcessHandle process;
+    if (!platform::startProcess(command.text(), &process)) {
+        std::printf("Error in Call unzip: %s\n", command.text());
+        return 1;
+    }
+    platform::waitForProcess(&process);
+    std::uint32_t exitCode = 0;
+    if (!platform::processExitCode(&process, &exitCode)) {
+        std::printf("Error in Call unzip: %s\n", command.text());
+        return 1;
+    }
+    // Every exit code counts: what the tool left is judged by the caller.
+    treeCreated = true;
+    treeInUse = true;
+    return 0;
+}
