@@ -1,13 +1,13 @@
 #include "support/test_support.h"
 
-#include <dirent.h>
-#include <stdlib.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
+#include <atomic>
+#include <chrono>
+#include <filesystem>
 #include <fstream>
+#include <random>
 #include <sstream>
-#include <stdexcept>
+
+namespace fs = std::filesystem;
 
 namespace testsupport {
 
@@ -28,33 +28,33 @@ void writeFile(const std::string& path, const std::string& contents) {
 }
 
 bool pathExists(const std::string& path) {
-    struct stat info;
-    return lstat(path.c_str(), &info) == 0;
+    std::error_code error;
+    return fs::exists(fs::symlink_status(path, error));
 }
 
 void removeAll(const std::string& path) {
-    struct stat info;
-    if (lstat(path.c_str(), &info) != 0) return;
-    if (S_ISDIR(info.st_mode)) {
-        chmod(path.c_str(), info.st_mode | S_IRWXU);
-        if (DIR* dir = opendir(path.c_str())) {
-            while (dirent* entry = readdir(dir)) {
-                const std::string name = entry->d_name;
-                if (name != "." && name != "..") removeAll(path + "/" + name);
-            }
-            closedir(dir);
-        }
-        rmdir(path.c_str());
-    } else {
-        unlink(path.c_str());
+    std::error_code error;
+    // Entries of read-only directories can't go until the directory is
+    // writable again.
+    if (fs::is_directory(fs::symlink_status(path, error))) {
+        fs::permissions(path, fs::perms::owner_all, fs::perm_options::add, error);
+        for (const auto& entry : fs::directory_iterator(path, error)) removeAll(entry.path().string());
     }
+    fs::remove(path, error);
 }
 
 ScratchDir::ScratchDir() {
-    const char* base = getenv("TEST_TMPDIR");
-    std::string pattern = std::string(base != nullptr ? base : "/tmp") + "/odb2vrn_test_XXXXXX";
-    if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("mkdtemp failed");
-    path_ = pattern;
+    static std::atomic<unsigned> serial{0};
+    std::mt19937 random(static_cast<unsigned>(std::chrono::steady_clock::now().time_since_epoch().count()));
+    const fs::path base = fs::temp_directory_path();
+    for (;;) {
+        fs::path candidate = base / ("odb2vrn_test_" + std::to_string(random()) + "_" + std::to_string(serial++));
+        std::error_code error;
+        if (fs::create_directory(candidate, error)) {
+            path_ = candidate.string();
+            return;
+        }
+    }
 }
 
 ScratchDir::~ScratchDir() { removeAll(path_); }
