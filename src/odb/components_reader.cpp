@@ -13,9 +13,6 @@
 
 namespace {
 
-constexpr int kWordArea = 16;
-
-const char kFirstWordScan[] = "%15s";
 const char kCmpScan[] = "%*s %ld %lf %lf %lf %c %2047s %2047s";
 const char kPrpScan[] = "%*s %2047s %2047s ";
 const char kTopScan[] = "%*s %ld %lf %lf %lf %c %ld %ld %2047s";
@@ -28,7 +25,7 @@ struct ComponentsRead {
     TextString sideLetter;
     std::int32_t componentNumber = 0;
     Part* current = nullptr;
-    char firstWord[kWordArea] = {};
+    char firstWord[kFirstWordArea] = {};
     char propertyValue[kLineArea] = {};
     char name[kLineArea] = {};
     char partName[kLineArea] = {};
@@ -125,18 +122,15 @@ std::int32_t JobReader::readComponents(TextString layerName) {
     ComponentsRead read(design);
     read.sideLetter.assign(layerName.equals("comp_+_top") ? "T" : "B");
     if (!read.scanner.open(componentsPath(layerName.text()), &design)) return 1;
-    while (read.scanner.readLine(read.line) != -1) {
-        // A line of blanks scans no word: the last word is dispatched again.
-        if (std::sscanf(read.line.text(), kFirstWordScan, read.firstWord) == 0) return 1;
-        bool goOn = true;
-        switch (read.scanner.lookup(read.firstWord)) {
-            case ComponentScanner::kCmp: goOn = read.cmp(); break;
-            case ComponentScanner::kPrp: read.prp(); break;
-            case ComponentScanner::kTop: goOn = read.top(); break;
-            default: break;
+    const std::int32_t result = readRecords(read.scanner, read.line, read.firstWord, [&read](std::int32_t code) {
+        switch (code) {
+            case ComponentScanner::kCmp: return read.cmp();
+            case ComponentScanner::kPrp: read.prp(); return true;
+            case ComponentScanner::kTop: return read.top();
+            default: return true;
         }
-        if (!goOn) return 1;
-    }
+    });
+    if (result != 0) return 1;
     std::printf("Number of component(s), %s - layer:%d\n", read.sideLetter.text(), read.componentNumber);
     return 0;
 }

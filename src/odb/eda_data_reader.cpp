@@ -11,11 +11,7 @@
 
 namespace {
 
-// The first word's area holds 15 characters; no keyword is that long.
-constexpr int kWordArea = 16;
-
 // The scans of the records, each bounded by its area.
-const char kFirstWordScan[] = "%15s";
 const char kNetScan[] = "%*s %2047s %2047s";
 const char kSntKindScan[] = "%*s %15s";
 const char kSntTopScan[] = "%*s %*s %c %2047s %ld";
@@ -30,7 +26,7 @@ struct EdaRead {
     std::int32_t packageNumber = 0;
     Net* currentNet = nullptr;
     Part* currentPackage = nullptr;
-    char firstWord[kWordArea] = {};
+    char firstWord[kFirstWordArea] = {};
     char secondWord[kLineArea] = {};
     char pinName[kLineArea] = {};
     char netName[kLineArea] = {};
@@ -103,18 +99,13 @@ bool EdaRead::pin() {
 std::int32_t JobReader::readEdaData() {
     EdaRead read(design);
     if (!read.scanner.open(edaDataPath(), &design)) return 1;
-    while (read.scanner.readLine(read.line) != -1) {
-        // A line of blanks scans no word: the last word is dispatched again.
-        if (std::sscanf(read.line.text(), kFirstWordScan, read.firstWord) == 0) return 1;
-        bool goOn = true;
-        switch (read.scanner.lookup(read.firstWord)) {
-            case EdaScanner::kNet: goOn = read.net(); break;
-            case EdaScanner::kSnt: goOn = read.snt(); break;
-            case EdaScanner::kPkg: goOn = read.pkg(); break;
-            case EdaScanner::kPin: goOn = read.pin(); break;
-            default: break;
+    return readRecords(read.scanner, read.line, read.firstWord, [&read](std::int32_t code) {
+        switch (code) {
+            case EdaScanner::kNet: return read.net();
+            case EdaScanner::kSnt: return read.snt();
+            case EdaScanner::kPkg: return read.pkg();
+            case EdaScanner::kPin: return read.pin();
+            default: return true;
         }
-        if (!goOn) return 1;
-    }
-    return 0;
+    });
 }

@@ -16,6 +16,8 @@ class Design;
 
 // A line of a job file: 2047 characters and the terminator.
 constexpr int kLineArea = 2048;
+// The first word of a record: 15 characters; no keyword is that long.
+constexpr int kFirstWordArea = 16;
 
 class LineScanner {
 public:
@@ -67,6 +69,19 @@ public:
 private:
     static void fillTable(KeywordTable& table);
 };
+
+// Reads the file to its end. The first word of each line goes into
+// firstWord (kFirstWordArea bytes) and its code to handle, which returns
+// false when its record ends the read. A line of blanks scans no word, so
+// the last word is dispatched again. 0 at the end of the file, else 1.
+template <typename Handler>
+std::int32_t readRecords(LineScanner& scanner, TextString& line, char* firstWord, Handler handle) {
+    while (scanner.readLine(line) != -1) {
+        if (std::sscanf(line.text(), "%15s", firstWord) == 0) return 1;
+        if (!handle(scanner.lookup(firstWord))) return 1;
+    }
+    return 0;
+}
 
 // 0 when the file at path (job lookup) can be opened for reading, 1 if not.
 std::int32_t fileExists(const TextString& path);

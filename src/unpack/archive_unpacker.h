@@ -46,6 +46,10 @@ private:
     bool findUnpacker();
 };
 
+// Runs command to its end, its console hidden. 0 with exitCode set; 1 when
+// it could not be started; 2 when its exit code could not be read.
+std::int32_t runToEnd(const TextString& command, std::uint32_t* exitCode);
+
 // Fills buffer with length characters of the random-name alphabet and a
 // terminator.
 void makeRandomName(char* buffer, int length);

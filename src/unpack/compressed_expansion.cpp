@@ -32,15 +32,10 @@ std::int32_t ArchiveUnpacker::expandCompressedFiles(CompressedFileList& queue) {
         const CompressedFile file = queue.takeCompressedFile();
         const TextString command = unpackerCommand + " x \"" + file.directory + platform::kPathSeparatorText +
                                    file.fileName + "\" -o\"" + file.directory + "\" -y";
-        platform::ProcessHandle process;
-        if (!platform::startProcess(command.text(), &process)) {
-            std::printf("Error in Call unzip: %s\n", command.text());
-            return 1;
-        }
-        platform::waitForProcess(&process);
         std::uint32_t exitCode = 0;
-        if (!platform::processExitCode(&process, &exitCode)) return 1;
-        platform::closeProcess(&process);
+        const std::int32_t run = runToEnd(command, &exitCode);
+        if (run == 1) std::printf("Error in Call unzip: %s\n", command.text());
+        if (run != 0) return 1;
         // 7-Zip's exit codes: 0 fine, 1 warning, 2 fatal error, 7 command
         // line error, 8 out of memory, 255 stopped by the user.
         switch (exitCode) {

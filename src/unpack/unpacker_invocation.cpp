@@ -42,18 +42,21 @@ bool ArchiveUnpacker::findUnpacker() {
     return false;
 }
 
+std::int32_t runToEnd(const TextString& command, std::uint32_t* exitCode) {
+    platform::ProcessHandle process;
+    if (!platform::startProcess(command.text(), &process)) return 1;
+    platform::waitForProcess(&process);
+    if (!platform::processExitCode(&process, exitCode)) return 2;
+    platform::closeProcess(&process);
+    return 0;
+}
+
 std::int32_t ArchiveUnpacker::runUnpacker(const TextString& source, const TextString& target) {
     if (!unpackerFound && !findUnpacker()) return 1;
     // "<tool>" x "<source>" -o"<target>" -y, paths as they stand.
     const TextString command = unpackerCommand + " x \"" + source + "\" -o\"" + target + "\" -y";
-    platform::ProcessHandle process;
-    if (!platform::startProcess(command.text(), &process)) {
-        std::printf("Error in Call unzip: %s\n", command.text());
-        return 1;
-    }
-    platform::waitForProcess(&process);
     std::uint32_t exitCode = 0;
-    if (!platform::processExitCode(&process, &exitCode)) {
+    if (runToEnd(command, &exitCode) != 0) {
         std::printf("Error in Call unzip: %s\n", command.text());
         return 1;
     }
