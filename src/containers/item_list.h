@@ -14,6 +14,7 @@
 #include <cstdlib>
 
 #include "containers/abnormal_end.h"
+#include "containers/block_pool.h"
 
 // Where nodeAt started its last walk, and how many steps it took: observable
 // so that the walk rule can be checked, never read by the converter.
@@ -24,6 +25,8 @@ struct ItemNode {
     ItemNode* next = nullptr;
     ItemNode* prev = nullptr;
     T* item = nullptr;
+
+    ODB2VRN_POOLED(ItemNode)
 };
 
 template <typename R>
@@ -31,6 +34,8 @@ struct RecordNode {
     RecordNode* next = nullptr;
     RecordNode* prev = nullptr;
     R record;
+
+    ODB2VRN_POOLED(RecordNode)
 };
 
 template <typename Node>

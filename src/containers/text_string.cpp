@@ -38,8 +38,16 @@ TextString::TextString(const char* text, std::int32_t size) {
 
 TextString::~TextString() { release(); }
 
+char* TextString::allocate(std::int32_t size) {
+    return size <= kLocalSize ? local_ : new char[static_cast<std::size_t>(size)];
+}
+
+void TextString::deallocate(char* storage) {
+    if (storage != local_) delete[] storage;
+}
+
 void TextString::release() {
-    delete[] buffer;
+    deallocate(buffer);
     buffer = nullptr;
     capacity = 0;
 }
@@ -78,16 +86,18 @@ TextString& TextString::store(const char* text, bool append) {
     const std::int32_t needed = current + n;
     char* old = nullptr;
     if (capacity <= needed) {
-        char* grown = new char[static_cast<std::size_t>(needed) + 4];
+        char* grown = allocate(needed + 4);
         capacity = needed + 4;
-        if (current > 0) std::memcpy(grown, buffer, static_cast<std::size_t>(current));
-        old = buffer;
-        buffer = grown;
+        if (grown != buffer) {
+            if (current > 0) std::memcpy(grown, buffer, static_cast<std::size_t>(current));
+            old = buffer;
+            buffer = grown;
+        }
     }
     // memmove: assigning an object's own buffer copies each byte onto itself;
     // the old buffer goes only after the copy, so appending oneself is safe.
     if (n > 0) std::memmove(buffer + current, text, static_cast<std::size_t>(n));
-    delete[] old;
+    deallocate(old);
     buffer[current + n] = '\0';
     return *this;
 }
@@ -113,8 +123,9 @@ TextString& TextString::append(std::int32_t number) {
 TextString& TextString::resizeBuffer(std::int32_t size, bool keep) {
     char* old = buffer;
     capacity = absolute(size) + 1;
-    buffer = new char[static_cast<std::size_t>(capacity)];
+    buffer = allocate(capacity);
     if (keep && old != nullptr) {
+        // In place when old and new are both the local area.
         std::int32_t i = 0;
         while (i < capacity - 1 && old[i] != '\0') {
             buffer[i] = old[i];
@@ -124,7 +135,7 @@ TextString& TextString::resizeBuffer(std::int32_t size, bool keep) {
     } else {
         buffer[0] = '\0';
     }
-    delete[] old;
+    if (old != buffer) deallocate(old);
     return *this;
 }
 

@@ -7,6 +7,11 @@
 //
 // After release() the buffer is null and only an assignment of a non-null
 // text is allowed; every other operation expects a buffer.
+//
+// A buffer of up to kLocalSize bytes lives inside the object, so the many
+// short texts of a board (keys, pin texts, the empty spares) cost no heap
+// block; capacity follows the same rules wherever the buffer lives. A
+// TextString is therefore never moved bytewise.
 #pragma once
 
 #include <cstdint>
@@ -55,10 +60,23 @@ public:
     bool equals(const TextString& other) const { return compare(other.buffer, true) == 0; }
     bool equalsIgnoreCase(const char* text) const { return compare(text, false) == 0; }
 
+    static constexpr std::int32_t kLocalSize = 12;
+
     std::int32_t capacity = 0;
+
+private:
+    // Between the two public fields so that a TextString takes 24 bytes.
+    char local_[kLocalSize];
+
+public:
     char* buffer = nullptr;
 
     static char dummyByte;
+
+private:
+    // Room for size bytes: the local area when it fits, else a new array.
+    char* allocate(std::int32_t size);
+    void deallocate(char* storage);
 };
 
 TextString operator+(const TextString& left, const TextString& right);

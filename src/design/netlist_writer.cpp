@@ -59,32 +59,59 @@ const char* stripPinPrefix(const char* refdes, const char* pinText) {
 }
 
 NetlistLookup::NetlistLookup(Design& design) {
-    const std::int32_t componentCount = design.components.itemCount();
-    componentPins_.resize(static_cast<std::size_t>(componentCount));
-    byKey_.reserve(static_cast<std::size_t>(componentCount));
+    const std::size_t count = static_cast<std::size_t>(design.components.itemCount());
+    numberLimit_ = 2 * count + 16;
+    byNumber_[0].assign(numberLimit_, -1);
+    byNumber_[1].assign(numberLimit_, -1);
+    components_.reserve(count);
     std::int32_t i = 0;
     for (auto* node = design.components.head; node != nullptr; node = node->next, ++i) {
-        byKey_.emplace(std::string_view(node->item->text()), i);  // the first keeps its key
-        components_.push_back(node->item);
+        const Part* part = node->item;
+        components_.push_back({part, part->refdes.text(), part->pins.itemCount(), part->packageIndex,
+                               pinTexts_.size()});
+        for (auto* pin = part->pins.head; pin != nullptr; pin = pin->next) {
+            pinTexts_.push_back(pin->item->pinText.text());
+        }
+        int side = 0;
+        std::size_t number = 0;
+        if (numberedKey(part->text(), &side, &number)) {
+            if (byNumber_[side][number] < 0) byNumber_[side][number] = i;
+        } else {
+            otherKeys_.emplace(part->text(), i);  // the first keeps its key
+        }
     }
     for (auto* node = design.packages.head; node != nullptr; node = node->next) {
         packages_.push_back(node->item);
     }
 }
 
-std::int32_t NetlistLookup::componentByKey(const TextString& key) const {
-    const auto found = byKey_.find(std::string_view(key.text()));
-    return found == byKey_.end() ? -1 : found->second;
+bool NetlistLookup::numberedKey(const char* key, int* side, std::size_t* number) const {
+    if (key[0] != 'T' && key[0] != 'B') return false;
+    const char* digits = key + 1;
+    // One spelling per number: no sign, no leading zero.
+    if (digits[0] < '0' || digits[0] > '9' || (digits[0] == '0' && digits[1] != '\0')) return false;
+    std::size_t value = 0;
+    for (const char* p = digits; *p != '\0'; ++p) {
+        if (*p < '0' || *p > '9') return false;
+        value = value * 10 + static_cast<std::size_t>(*p - '0');
+        if (value >= numberLimit_) return false;
+    }
+    *side = key[0] == 'T' ? 0 : 1;
+    *number = value;
+    return true;
 }
 
-const std::vector<PartPin*>& NetlistLookup::pinsOf(std::int32_t component) {
-    std::vector<PartPin*>& pins = componentPins_[static_cast<std::size_t>(component)];
-    Part* part = components_[static_cast<std::size_t>(component)];
-    if (pins.empty() && part->pins.itemCount() > 0) {
-        pins.reserve(static_cast<std::size_t>(part->pins.itemCount()));
-        for (auto* node = part->pins.head; node != nullptr; node = node->next) pins.push_back(node->item);
+const NetlistLookup::Component* NetlistLookup::componentByKey(const TextString& key) const {
+    int side = 0;
+    std::size_t number = 0;
+    std::int32_t index = -1;
+    if (numberedKey(key.text(), &side, &number)) {
+        index = byNumber_[side][number];
+    } else {
+        const auto found = otherKeys_.find(key.text());
+        if (found != otherKeys_.end()) index = found->second;
     }
-    return pins;
+    return index < 0 ? nullptr : &components_[static_cast<std::size_t>(index)];
 }
 
 Part* NetlistLookup::packageAt(std::int32_t index) const {
@@ -110,30 +137,28 @@ void writeNetPins(NetPinList& pins, std::FILE* stream, Design& design, std::int3
     bool pinOk = true;
     bool packageCarried = false;
     std::int32_t carriedPackageIndex = 0;
-    const PartPin* carriedPartPin = nullptr;
+    const char* carriedPinText = nullptr;
     for (std::int32_t i = 0; i < n; ++i) {
         NetPin* pin = pins.itemAt(i);
         const char* refdes = "";
-        const std::int32_t found = lookup.componentByKey(pin->key);
-        if (found >= 0) {
-            Part* component = lookup.component(found);
-            refdes = component->refdes.text();
+        if (const NetlistLookup::Component* component = lookup.componentByKey(pin->key)) {
+            refdes = component->refdes;
             carriedPackageIndex = component->packageIndex;
             packageCarried = true;
-            if (!(pin->pinIndex < component->pins.itemCount())) {
-                std::fprintf(stream, "\t! ERR: Component(\"%s\"), Pin (\"%d\") not found.\n", component->text(),
-                             pin->pinIndex);
-                std::printf("ERR: Component(\"%s\"), Pin (\"%d\") not found.\n", component->text(), pin->pinIndex);
+            if (!(pin->pinIndex < component->pinCount)) {
+                const char* key = component->part->text();
+                std::fprintf(stream, "\t! ERR: Component(\"%s\"), Pin (\"%d\") not found.\n", key, pin->pinIndex);
+                std::printf("ERR: Component(\"%s\"), Pin (\"%d\") not found.\n", key, pin->pinIndex);
                 pinOk = false;
             } else {
-                carriedPartPin = lookup.pinsOf(found)[static_cast<std::size_t>(pin->pinIndex)];
+                carriedPinText = lookup.pinText(*component, pin->pinIndex);
             }
         }
         // Before the first resolved pin nothing is carried: no package to fetch.
         Part* package = packageCarried ? lookup.packageAt(carriedPackageIndex) : nullptr;
         if (pinOk) {
             if (package != nullptr) lookup.checkPackagePin(package, pin->pinIndex);
-            const char* pinText = carriedPartPin != nullptr ? carriedPartPin->pinText.text() : "";
+            const char* pinText = carriedPinText != nullptr ? carriedPinText : "";
             const char* stripped = stripPinPrefix(refdes, pinText);
             if (i == 0) {
                 writeNameFill(stream, nameLength, longest);

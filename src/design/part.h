@@ -28,6 +28,8 @@ public:
     TextString spare2;
     std::int32_t netNumber = 0;
     TextString pinText;
+
+    ODB2VRN_POOLED(PartPin)
 };
 
 // The pins of a Part, in record order; owns them.
@@ -75,6 +77,8 @@ public:
     TextString partName;
     TextString manufacturerPartNo;
     PartPinList pins;
+
+    ODB2VRN_POOLED(Part)
 
 private:
     friend class PartList;

@@ -10,6 +10,7 @@
 #include "frame/messages.h"
 #include "odb/job_reader.h"
 #include "odb/line_scanner.h"
+#include "odb/record_scan.h"
 
 namespace {
 
@@ -43,7 +44,7 @@ bool ComponentsRead::cmp() {
     long packageNumber = 0;
     double x = 0, y = 0, rotation = 0;
     char mirror = 0;
-    if (std::sscanf(line.text(), kCmpScan, &packageNumber, &x, &y, &rotation, &mirror, name, partName) != 7) {
+    if (scanRecord(line.text(), kCmpScan, &packageNumber, &x, &y, &rotation, &mirror, name, partName) != 7) {
         return false;
     }
     Part* part = new Part(nullptr);
@@ -87,7 +88,7 @@ void ComponentsRead::copyQuotedValue() {
 void ComponentsRead::prp() {
     // No result of this scan ends the record: a missing word leaves the area
     // as the last record left it.
-    std::sscanf(line.text(), kPrpScan, name, propertyValue);
+    scanRecord(line.text(), kPrpScan, name, propertyValue);
     enum { kNone, kValue, kManufacturerPartNo, kPartName } property = kNone;
     if (std::strcmp(name, "VALUE") == 0) property = kValue;
     else if (std::strcmp(name, "MANUFACTURER_PART_NO.") == 0) property = kManufacturerPartNo;
@@ -107,7 +108,7 @@ bool ComponentsRead::top() {
     long pinNumber = 0, netNumber = 0, subnetNumber = 0;
     double x = 0, y = 0, rotation = 0;
     char mirror = 0;
-    if (std::sscanf(line.text(), kTopScan, &pinNumber, &x, &y, &rotation, &mirror, &netNumber, &subnetNumber,
+    if (scanRecord(line.text(), kTopScan, &pinNumber, &x, &y, &rotation, &mirror, &netNumber, &subnetNumber,
                     pinText) != 8) {
         return false;
     }

@@ -8,6 +8,7 @@
 #include "design/run_lifetime.h"
 #include "odb/job_reader.h"
 #include "odb/line_scanner.h"
+#include "odb/record_scan.h"
 
 namespace {
 
@@ -43,7 +44,7 @@ struct EdaRead {
 };
 
 bool EdaRead::net() {
-    if (std::sscanf(line.text(), kNetScan, netName, secondWord) < 1) return false;
+    if (scanRecord(line.text(), kNetScan, netName, secondWord) < 1) return false;
     // "NET GND ;;ID=7" names GND; "NET GND A" names GNDA.
     TextString name(netName);
     if (secondWord[0] != '\0' && secondWord[0] != ';') name.append(secondWord);
@@ -62,11 +63,11 @@ bool EdaRead::net() {
 
 bool EdaRead::snt() {
     if (currentNet == nullptr) return true;
-    if (std::sscanf(line.text(), kSntKindScan, firstWord) != 1) return false;
+    if (scanRecord(line.text(), kSntKindScan, firstWord) != 1) return false;
     if (scanner.lookup(firstWord) != EdaScanner::kTop) return true;
     char side = 0;
     long pinIndex = 0;
-    if (std::sscanf(line.text(), kSntTopScan, &side, numberWord, &pinIndex) != 3) return false;
+    if (scanRecord(line.text(), kSntTopScan, &side, numberWord, &pinIndex) != 3) return false;
     // "SNT TOP T 12 3" ties the net to pin index 3 of component T12.
     TextString key = TextString(side) + numberWord;
     currentNet->addNetPin(makeForRun<NetPin>(key, static_cast<std::int32_t>(pinIndex)));
@@ -74,7 +75,7 @@ bool EdaRead::snt() {
 }
 
 bool EdaRead::pkg() {
-    if (std::sscanf(line.text(), kNameScan, packageName) != 1) return false;
+    if (scanRecord(line.text(), kNameScan, packageName) != 1) return false;
     currentNet = nullptr;
     Part* package = new Part(packageName);
     currentPackage = package;
@@ -87,7 +88,7 @@ bool EdaRead::pkg() {
 bool EdaRead::pin() {
     currentNet = nullptr;
     if (currentPackage == nullptr) return false;
-    if (std::sscanf(line.text(), kNameScan, pinName) != 1) return false;
+    if (scanRecord(line.text(), kNameScan, pinName) != 1) return false;
     TextString name(pinName);
     while (currentPackage->pins.findPinByName(name) != nullptr) name.append("_");
     currentPackage->pins.addItem(new PartPin(name, 0, 0));

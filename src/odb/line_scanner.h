@@ -11,6 +11,7 @@
 
 #include "containers/text_string.h"
 #include "odb/keyword_table.h"
+#include "odb/record_scan.h"
 
 class Design;
 
@@ -77,7 +78,7 @@ private:
 template <typename Handler>
 std::int32_t readRecords(LineScanner& scanner, TextString& line, char* firstWord, Handler handle) {
     while (scanner.readLine(line) != -1) {
-        if (std::sscanf(line.text(), "%15s", firstWord) == 0) return 1;
+        if (scanRecord(line.text(), "%15s", firstWord) == 0) return 1;
         if (!handle(scanner.lookup(firstWord))) return 1;
     }
     return 0;

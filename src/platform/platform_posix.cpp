@@ -108,11 +108,17 @@ bool equalIgnoringCase(const char* a, const char* b) {
     }
 }
 
+// directory/name, where the empty directory is the current one.
+std::string joinPath(const std::string& directory, const std::string& name) {
+    if (directory.empty()) return name;
+    return directory.back() == '/' ? directory + name : directory + "/" + name;
+}
+
 // The entry of directory that matches name ignoring case: the exact name
 // first, else the first variant in byte order; empty when none.
 std::string matchIgnoringCase(const std::string& directory, const std::string& name) {
-    if (existsAtAll(directory + "/" + name)) return name;
-    DIR* dir = opendir(directory.empty() ? "/" : directory.c_str());
+    if (existsAtAll(joinPath(directory, name))) return name;
+    DIR* dir = opendir(directory.empty() ? "." : directory.c_str());
     if (dir == nullptr) return std::string();
     std::string best;
     while (const dirent* entry = readdir(dir)) {
@@ -128,33 +134,25 @@ std::string matchIgnoringCase(const std::string& directory, const std::string& n
 }  // namespace
 
 std::FILE* openJobFile(const char* path) {
-    std::string resolved = path;
-    if (!isRegularFile(resolved)) {
+    if (!isRegularFile(path)) {
         // A Windows file system ignores case; real jobs rely on it.
-        std::string rebuilt;
+        const std::string text = path;
+        std::string resolved = !text.empty() && text[0] == '/' ? "/" : "";
         std::size_t start = 0;
-        if (resolved.empty()) return nullptr;
-        if (resolved[0] == '/') start = 1;
-        while (start < resolved.size()) {
-            std::size_t end = resolved.find('/', start);
-            if (end == std::string::npos) end = resolved.size();
-            const std::string part = resolved.substr(start, end - start);
-            if (!part.empty()) {
-                if (part == "." || part == "..") {
-                    rebuilt += "/" + part;
-                } else {
-                    const std::string match = matchIgnoringCase(rebuilt, part);
-                    if (match.empty()) return nullptr;
-                    rebuilt += "/" + match;
-                }
-            }
+        while (start < text.size()) {
+            std::size_t end = text.find('/', start);
+            if (end == std::string::npos) end = text.size();
+            const std::string part = text.substr(start, end - start);
             start = end + 1;
+            if (part.empty()) continue;
+            const std::string match = part == "." || part == ".." ? part : matchIgnoringCase(resolved, part);
+            if (match.empty()) return nullptr;
+            resolved = joinPath(resolved, match);
         }
-        if (path[0] != '/' && !rebuilt.empty()) rebuilt.erase(0, 1);
-        resolved = rebuilt;
         if (!isRegularFile(resolved)) return nullptr;
+        return std::fopen(resolved.c_str(), "r");
     }
-    return std::fopen(resolved.c_str(), "r");
+    return std::fopen(path, "r");
 }
 
 // --- Directory search ------------------------------------------------------
