@@ -20,7 +20,7 @@ std::int32_t absolute(std::int32_t value) {
 
 }  // namespace
 
-TextString::TextString() { store("", false); }
+TextString::TextString() : capacity(4), buffer(local_) { buffer[0] = '\0'; }
 
 TextString::TextString(std::int32_t number) { assign(number); }
 
@@ -32,8 +32,14 @@ TextString::TextString(const TextString& other, std::int32_t size) {
 }
 
 TextString::TextString(const char* text, std::int32_t size) {
-    resizeBuffer(size, false);
-    store(text, false);
+    // resizeBuffer(size) and store(text) in one step: the size is a minimum
+    // that a longer text overrides with its length + 4.
+    const std::int32_t n = textLength(text);
+    const std::int32_t room = absolute(size) + 1;
+    capacity = room > n ? room : n + 4;
+    buffer = allocate(capacity);
+    if (n > 0) std::memcpy(buffer, text, static_cast<std::size_t>(n));
+    buffer[n] = '\0';
 }
 
 TextString::~TextString() { release(); }

@@ -64,13 +64,21 @@ NetlistLookup::NetlistLookup(Design& design) {
     byNumber_[0].assign(numberLimit_, -1);
     byNumber_[1].assign(numberLimit_, -1);
     components_.reserve(count);
+    // Offsets first: texts_ grows while it is filled.
+    std::vector<std::size_t> refdesOffsets;
+    std::vector<std::size_t> pinTextOffsets;
+    const auto keep = [this](const TextString& text) {
+        const std::size_t offset = texts_.size();
+        texts_.insert(texts_.end(), text.text(), text.text() + text.length() + 1);
+        return offset;
+    };
     std::int32_t i = 0;
     for (auto* node = design.components.head; node != nullptr; node = node->next, ++i) {
         const Part* part = node->item;
-        components_.push_back({part, part->refdes.text(), part->pins.itemCount(), part->packageIndex,
-                               pinTexts_.size()});
+        refdesOffsets.push_back(keep(part->refdes));
+        components_.push_back({part, nullptr, part->pins.itemCount(), part->packageIndex, pinTextOffsets.size()});
         for (auto* pin = part->pins.head; pin != nullptr; pin = pin->next) {
-            pinTexts_.push_back(pin->item->pinText.text());
+            pinTextOffsets.push_back(keep(pin->item->pinText));
         }
         int side = 0;
         std::size_t number = 0;
@@ -80,6 +88,9 @@ NetlistLookup::NetlistLookup(Design& design) {
             otherKeys_.emplace(part->text(), i);  // the first keeps its key
         }
     }
+    for (std::size_t c = 0; c < components_.size(); ++c) components_[c].refdes = texts_.data() + refdesOffsets[c];
+    pinTexts_.reserve(pinTextOffsets.size());
+    for (const std::size_t offset : pinTextOffsets) pinTexts_.push_back(texts_.data() + offset);
     for (auto* node = design.packages.head; node != nullptr; node = node->next) {
         packages_.push_back(node->item);
     }

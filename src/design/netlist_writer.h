@@ -16,7 +16,9 @@ class Design;
 // Side indexes of one write, built in one pass over the components, so
 // that a net pin costs a few array reads instead of scans of the lists.
 // They give exactly what the scans would: the first component with a key,
-// its refdes, its pins by index, the packages by number.
+// its refdes, its pins by index, the packages by number. The texts a net
+// pin needs are copied side by side, so the write reads a few megabytes
+// instead of the whole model.
 class NetlistLookup {
 public:
     explicit NetlistLookup(Design& design);
@@ -26,7 +28,7 @@ public:
         const char* refdes;
         std::int32_t pinCount;
         std::int32_t packageIndex;
-        std::size_t firstPin;  // into pinTexts
+        std::size_t firstPin;  // into pinTexts_
     };
 
     // The first component whose key equals key, or null.
@@ -49,6 +51,7 @@ private:
 
     std::vector<Component> components_;
     std::vector<const char*> pinTexts_;
+    std::vector<char> texts_;  // refdes and pin texts, each with its terminator
     std::vector<Part*> packages_;
     std::size_t numberLimit_ = 0;
     std::vector<std::int32_t> byNumber_[2];  // first component per number, -1 none
