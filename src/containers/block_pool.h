@@ -1,8 +1,7 @@
 // BlockPool: fixed-size blocks for the objects a board is made of by the
 // hundred thousand (list nodes, parts, pins). One heap block each would cost
-// more than their data; here blocks are carved from large chunks and a freed
-// block goes to a free list for the next object of the same size. Chunks
-// stay until the process ends, reachable from the pool.
+// more than their data; here blocks are carved from bulk memory and a freed
+// block goes to a free list for the next object of the same size.
 // Under AddressSanitizer every block comes from the heap on its own, so a
 // use after free is still caught.
 #pragma once
@@ -10,13 +9,7 @@
 #include <cstddef>
 #include <new>
 
-#if defined(__SANITIZE_ADDRESS__)
-#define ODB2VRN_POOLS_OFF 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define ODB2VRN_POOLS_OFF 1
-#endif
-#endif
+#include "containers/bulk_memory.h"
 
 template <std::size_t BlockSize, std::size_t Alignment>
 class BlockPool {
@@ -52,27 +45,18 @@ private:
     struct FreeBlock {
         FreeBlock* next;
     };
-    struct Chunk {
-        Chunk* previous;
-    };
-    static constexpr std::size_t kAlign = Alignment > alignof(Chunk*) ? Alignment : alignof(Chunk*);
+    static constexpr std::size_t kAlign = Alignment > alignof(FreeBlock) ? Alignment : alignof(FreeBlock);
     static constexpr std::size_t kStride =
         ((BlockSize > sizeof(FreeBlock) ? BlockSize : sizeof(FreeBlock)) + kAlign - 1) / kAlign * kAlign;
     static constexpr std::size_t kChunkBytes = 256 * 1024;
-    static constexpr std::size_t kHeader = (sizeof(Chunk) + kAlign - 1) / kAlign * kAlign;
 
     static void grow() {
-        const std::size_t bytes = kHeader + (kChunkBytes / kStride + 1) * kStride;
-        char* memory = static_cast<char*>(::operator new(bytes));
-        Chunk* chunk = reinterpret_cast<Chunk*>(memory);
-        chunk->previous = chunks_;
-        chunks_ = chunk;
-        next_ = memory + kHeader;
-        end_ = memory + bytes;
+        const std::size_t bytes = (kChunkBytes / kStride + 1) * kStride;
+        next_ = static_cast<char*>(takeBulkMemory(bytes, kAlign));
+        end_ = next_ + bytes;
     }
 
     static inline FreeBlock* freeList_ = nullptr;
-    static inline Chunk* chunks_ = nullptr;
     static inline char* next_ = nullptr;
     static inline char* end_ = nullptr;
 };

@@ -55,6 +55,11 @@ std::string pathExtension(const char* name);
 // as missing. Returns null when no file is found or it can't be opened.
 std::FILE* openJobFile(const char* path);
 
+// Memory that is never given back: size bytes, zeroed, in large pages where
+// the system offers them (a board's model touches hundreds of megabytes, and
+// a fault per small page costs more than filling it). Null on failure.
+void* allocateBulkMemory(std::size_t size);
+
 // --- Directory search: FindFirstFileA / FindNextFileA / FindClose --------
 
 constexpr std::uint32_t kAttributeReadOnly = 0x01;   // FILE_ATTRIBUTE_READONLY

@@ -7,6 +7,7 @@
 #include <errno.h>
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/types.h>
 #include <sys/wait.h>
@@ -153,6 +154,25 @@ std::FILE* openJobFile(const char* path) {
         return std::fopen(resolved.c_str(), "r");
     }
     return std::fopen(path, "r");
+}
+
+void* allocateBulkMemory(std::size_t size) {
+    // Large pages need 2 MiB alignment: map more and trim both ends.
+    constexpr std::size_t kLargePage = std::size_t{2} << 20;
+    const std::size_t mapped = size + kLargePage;
+    void* memory = mmap(nullptr, mapped, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (memory == MAP_FAILED) return nullptr;
+    char* start = static_cast<char*>(memory);
+    char* aligned = reinterpret_cast<char*>((reinterpret_cast<std::uintptr_t>(start) + kLargePage - 1) &
+                                            ~std::uintptr_t{kLargePage - 1});
+    if (aligned > start) munmap(start, static_cast<std::size_t>(aligned - start));
+    char* tail = aligned + size;
+    char* mappedEnd = start + mapped;
+    if (mappedEnd > tail) munmap(tail, static_cast<std::size_t>(mappedEnd - tail));
+#ifdef MADV_HUGEPAGE
+    madvise(aligned, size, MADV_HUGEPAGE);  // a hint: refused, it costs nothing
+#endif
+    return aligned;
 }
 
 // --- Directory search ------------------------------------------------------
