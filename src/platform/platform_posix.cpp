@@ -39,7 +39,7 @@ bool fullPath(char* buffer, const char* path, int limit) {
         char cwd[4096];
         currentDirectory(cwd, sizeof cwd);
         joined = cwd;
-        joined += '/';
+        if (path[0] != '\0') joined += '/';  // "" is the directory itself
     }
     joined += path;
 
