@@ -7,15 +7,14 @@
 
 namespace {
 
-// A large page is 2 MiB on the common systems.
-constexpr std::size_t kRegionSize = std::size_t{2} << 20;
-
 #ifdef ODB2VRN_POOLS_OFF
 struct Block {
     Block* previous;
 };
 Block* lastBlock = nullptr;
 #else
+// A large page is 2 MiB on the common systems.
+constexpr std::size_t kRegionSize = std::size_t{2} << 20;
 char* next = nullptr;
 char* end = nullptr;
 #endif
