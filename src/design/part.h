@@ -41,6 +41,8 @@ public:
     // The first pin whose name equals text, case-sensitively; or null.
     PartPin* findPinByName(const char* text);
     PartPin* findPinByName(TextString text) { return findPinByName(text.text()); }
+    // Pins are never taken out one by one; the name index relies on it.
+    bool removeAt(std::int32_t index) = delete;
 
 private:
     static constexpr std::int32_t kIndexFrom = 16;
@@ -96,6 +98,8 @@ public:
     Part* findByRefdes(TextString text);
 
     void clearItems();
+    // Parts are never taken out one by one; the refdes index relies on it.
+    bool removeAt(std::int32_t index) = delete;
 
     Design* owner = nullptr;
 
