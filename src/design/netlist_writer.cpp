@@ -41,6 +41,13 @@ void writeBlanks(std::FILE* stream, std::int64_t count) {
     }
 }
 
+// "%-Ns": the text, then blanks up to width; a longer text is never cut.
+void writePadded(std::FILE* stream, const char* text, std::int64_t width) {
+    const std::size_t length = std::strlen(text);
+    std::fwrite(text, 1, length, stream);
+    writeBlanks(stream, width - static_cast<std::int64_t>(length));
+}
+
 // The blanks behind a net name on its first line: from the name's length up
 // to W, none when the name is W long or longer.
 void writeNameFill(std::FILE* stream, std::int32_t nameLength, std::int32_t longestNetName) {
@@ -177,8 +184,11 @@ void writeNetPins(NetPinList& pins, std::FILE* stream, Design& design, std::int3
                 std::fputs("\t", stream);
                 writeBlanks(stream, static_cast<std::int64_t>(longest) + 5);
             }
-            std::fprintf(stream, i == n - 1 ? "%-16s  %s;\n" : "%-16s  %s\n", refdes,
-                         stripped != nullptr ? stripped : pinText);
+            // "%-16s  %s\n", with ";" before the line end on the last pin.
+            writePadded(stream, refdes, 16);
+            std::fputs("  ", stream);
+            std::fputs(stripped != nullptr ? stripped : pinText, stream);
+            std::fputs(i == n - 1 ? ";\n" : "\n", stream);
         }
         pinOk = true;
     }

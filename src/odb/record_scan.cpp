@@ -39,6 +39,35 @@ const char* plainNumberEnd(const char* p, bool real) {
     return p;
 }
 
+// The value of a plain decimal token, exact: a mantissa below 2^53 and a
+// power of ten up to 10^22 are both exact doubles, so one multiplication or
+// division rounds correctly, as strtod does. Other tokens go to strtod.
+double decimalValue(const char* p) {
+    static const double kPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                                     1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+    const char* start = p;
+    const bool negative = *p == '-';
+    if (*p == '+' || *p == '-') ++p;
+    unsigned long long mantissa = 0;
+    int scale = 0;
+    for (; isDigit(*p); ++p) mantissa = mantissa * 10 + static_cast<unsigned>(*p - '0');
+    if (*p == '.') {
+        for (++p; isDigit(*p); ++p, --scale) mantissa = mantissa * 10 + static_cast<unsigned>(*p - '0');
+    }
+    if (*p == 'e' || *p == 'E' || mantissa >= (1ULL << 53) || scale < -22) return std::strtod(start, nullptr);
+    const double value = static_cast<double>(mantissa) / kPowers[-scale];
+    return negative ? -value : value;
+}
+
+// A plain token of at most 18 digits can't overflow: what strtol gives.
+long decimalInteger(const char* p) {
+    const bool negative = *p == '-';
+    if (*p == '+' || *p == '-') ++p;
+    long value = 0;
+    for (; isDigit(*p); ++p) value = value * 10 + (*p - '0');
+    return negative ? -value : value;
+}
+
 int scanDirectly(const char* text, const char* format, va_list arguments) {
     const char* p = text;
     int assigned = 0;
@@ -81,9 +110,9 @@ int scanDirectly(const char* text, const char* format, va_list arguments) {
             const char* end = plainNumberEnd(p, real);
             if (end == nullptr || width != 0) return kUnsure;
             if (!suppress) {
-                if (real) *va_arg(arguments, double*) = std::strtod(p, nullptr);
-                else if (isLong) *va_arg(arguments, long*) = std::strtol(p, nullptr, 10);
-                else *va_arg(arguments, int*) = static_cast<int>(std::strtol(p, nullptr, 10));
+                if (real) *va_arg(arguments, double*) = decimalValue(p);
+                else if (isLong) *va_arg(arguments, long*) = decimalInteger(p);
+                else *va_arg(arguments, int*) = static_cast<int>(decimalInteger(p));
                 ++assigned;
             }
             p = end;
