@@ -32,8 +32,26 @@ bool pathExists(const std::string& path) {
     return fs::exists(fs::symlink_status(path, error));
 }
 
+#ifdef _WIN32
+const char kCrLfAsRead[] = "\n";
+
+std::string asWrittenText(const std::string& text) {
+    std::string bytes;
+    for (const char c : text) bytes += c == '\n' ? std::string("\r\n") : std::string(1, c);
+    return bytes;
+}
+#else
+const char kCrLfAsRead[] = "\r\n";
+
+std::string asWrittenText(const std::string& text) { return text; }
+#endif
+
 void removeAll(const std::string& path) {
     std::error_code error;
+#ifdef _WIN32
+    // A read-only file can't be deleted on Windows until it is writable.
+    fs::permissions(path, fs::perms::owner_write, fs::perm_options::add, error);
+#endif
     // Entries of read-only directories can't go until the directory is
     // writable again.
     if (fs::is_directory(fs::symlink_status(path, error))) {

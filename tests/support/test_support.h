@@ -17,6 +17,13 @@ std::string readFile(const std::string& path);
 void writeFile(const std::string& path, const std::string& contents);
 bool pathExists(const std::string& path);
 
+// The bytes that a text-mode write of text leaves in a file: CR LF for each
+// line end on Windows, the text itself elsewhere.
+std::string asWrittenText(const std::string& text);
+// What a text-mode read hands over for a CR LF in the file: the CR stays on
+// POSIX and goes on Windows.
+extern const char kCrLfAsRead[];
+
 // A fresh empty directory under the system's temporary folder, removed
 // (read-only entries too) when the object goes.
 class ScratchDir {
