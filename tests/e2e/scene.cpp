@@ -7,6 +7,9 @@
 
 #include "e2e/process_runner.h"
 #include "support/test_support.h"
+#ifdef _WIN32
+#include "e2e/windows_staging.h"
+#endif
 
 namespace fs = std::filesystem;
 using testsupport::readFile;
@@ -15,6 +18,7 @@ using testsupport::writeFile;
 namespace e2e {
 
 const char kSkipReason[] = "the shared samples are absent";
+const char kNotOnWindows[] = "not on Windows: ";
 
 std::string e2eDirectory() { return testsupport::testDataDir() + "/e2e"; }
 
@@ -30,9 +34,18 @@ std::string scenePath(const Scene& scene, const std::string& path) {
     return scene.root + "/" + path;
 }
 
+// The folders as the converter spells them: with backslashes on Windows.
+std::string placeholderPath(const std::string& path) {
+#ifdef _WIN32
+    return nativePath(path);
+#else
+    return path;
+#endif
+}
+
 void setWorkingDirectory(Scene& scene, const std::string& path) {
     scene.workingDirectory = scenePath(scene, path);
-    scene.placeholders["WORK"] = scene.workingDirectory;
+    scene.placeholders["WORK"] = placeholderPath(scene.workingDirectory);
 }
 
 // "left <separator> right"; false when the separator is missing.
@@ -88,6 +101,11 @@ std::string pack(Scene& scene, const std::string& format, const std::string& out
         members.push_back(fs::path(input).filename().string());
     }
 
+#ifdef _WIN32
+    const std::string result = packWithSevenZip(format, output, directory, members, scene.renames);
+    scene.renames.clear();
+    return result;
+#endif
     if (format == "gzip") {
         if (members.size() != 1 || fs::is_directory(input)) return "gzip packs one file";
         std::string packed;
@@ -184,6 +202,16 @@ std::string runCommand(Scene& scene, const std::string& line) {
         scene.renames.emplace_back(left, right);
         return "";
     }
+#ifdef _WIN32
+    // The names a line holds; a file's contents follow " -> " in these.
+    const bool writes = command == "write" || command == "fill" || command == "repeat";
+    const std::string names = writes ? line.substr(0, line.find(" -> ")) : line;
+    if (std::any_of(names.begin(), names.end(), [](char c) { return static_cast<unsigned char>(c) >= 0x80; })) {
+        return std::string(kNotOnWindows) + "names with bytes past ASCII go through the ANSI code page";
+    }
+    if (command == "compress") return compressFile(scenePath(scene, rest));
+    if (command == "link") return std::string(kNotOnWindows) + "a symbolic link needs a privilege that users lack";
+#endif
     if (command == "compress") return runTool({"compress", "-f", scenePath(scene, rest)}, scene.scratch);
     if (command == "link" && splitAt(rest, " -> ", left, right)) {
         fs::create_directories(fs::path(scenePath(scene, left)).parent_path(), error);
@@ -249,11 +277,11 @@ Scene makeScene(const std::string& scratch, const std::string& caseDirectory) {
         fs::copy(caseDirectory + "/work", scene.root + "/work", fs::copy_options::recursive, error);
     }
     scene.placeholders = {
-        {"ROOT", scene.root},
-        {"TMP", scene.root + "/tmp"},
-        {"DOUBLE", scene.doubleDirectory},
-        {"BIN", testsupport::binDir()},
-        {"SOURCE", fs::path(testsupport::testDataDir()).parent_path().string()},
+        {"ROOT", placeholderPath(scene.root)},
+        {"TMP", placeholderPath(scene.root + "/tmp")},
+        {"DOUBLE", placeholderPath(scene.doubleDirectory)},
+        {"BIN", placeholderPath(testsupport::binDir())},
+        {"SOURCE", placeholderPath(fs::path(testsupport::testDataDir()).parent_path().string())},
         {"PATH", environmentValue("PATH")},
         // What a refused command line prints after its message.
         {"BANNER_USAGE", readFile(e2eDirectory() + "/common/banner_usage.console")},

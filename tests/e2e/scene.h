@@ -37,6 +37,9 @@ Scene makeScene(const std::string& scratch, const std::string& caseDirectory);
 // kSkipReason when the recipe needs the samples and they are absent.
 std::string runRecipe(const std::vector<std::string>& recipe, Scene& scene);
 extern const char kSkipReason[];
+// The start of what runRecipe returns for a step that Windows can't take;
+// the case is skipped with that text.
+extern const char kNotOnWindows[];
 
 // The tests/e2e folder and the shared samples folder.
 std::string e2eDirectory();
