@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <functional>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -16,41 +17,17 @@ std::string printed(const std::function<void()>& print) {
     return testing::internal::GetCapturedStdout();
 }
 
-// The frames' blanks differ from level to level; they are part of the text.
+// The frames' blanks differ from level to level; a '%' in the formatted text
+// is printed as it stands, never formatted twice.
 TEST(MessagesTest, EachLevelHasItsFrame) {
-    struct Case {
-        std::int32_t level;
-        const char* output;
+    const std::pair<std::int32_t, const char*> cases[] = {
+        {0, "50% %d\n"}, {1, "Status,  -50% %d\n"}, {2, "Error,   - Line:1  -50% %d\n"}, {4, ""},
+        {3, "Warning,   - Line:1  -50% %d\n"}, {5, "Unknown,  -50% %d\n"}, {INT32_MIN, "Unknown,  -50% %d\n"},
     };
-    const Case cases[] = {
-        {0, "x\n"},
-        {1, "Status,  -x\n"},
-        {2, "Error,   - Line:1  -x\n"},
-        {3, "Warning,   - Line:1  -x\n"},
-        {4, ""},
-        {5, "Unknown,  -x\n"},
-        {-1, "Unknown,  -x\n"},
-        {INT32_MIN, "Unknown,  -x\n"},
-    };
-    for (const Case& c : cases) {
-        EXPECT_EQ(printed([&] { writeMessage(c.level, "%s", "x"); }), c.output) << c.level;
-    }
-    EXPECT_EQ(messageLine(), 1);
-}
-
-TEST(MessagesTest, FormattedTextIsPrintedAsItStands) {
-    EXPECT_EQ(printed([] { writeMessage(0, "Number of component(s), %s - layer:%d", "comp_+_top", 12); }),
-              "Number of component(s), comp_+_top - layer:12\n");
-    EXPECT_EQ(printed([] { writeMessage(0, "%s", "100%d %s %%"); }), "100%d %s %%\n");
-    EXPECT_EQ(printed([] { writeMessage(2, "%s", "50% %n"); }), "Error,   - Line:1  -50% %n\n");
-    EXPECT_EQ(printed([] { writeText("%s", "%d%%"); }), "%d%%");
-    EXPECT_EQ(printed([] { writeText("a%db%s", 5, "%c"); }), "a5b%c");
-}
-
-// An over-long text is a caller's fault; it must still stay in its area.
-TEST(MessagesTest, OverlongTextStaysBounded) {
-    const std::string longText(6000, 'x');
-    const std::string output = printed([&] { writeMessage(1, "%s", longText.c_str()); });
+    for (const auto& c : cases) EXPECT_EQ(printed([&] { writeMessage(c.first, "%s", "50% %d"); }), c.second) << c.first;
+    EXPECT_EQ(printed([] { writeText("a%db%s", 5, "%n%%"); }), "a5b%n%%");
+    // An over-long text is a caller's fault; it must still stay in its area.
+    const std::string output = printed([] { writeMessage(1, "%s", std::string(6000, 'x').c_str()); });
     EXPECT_LT(output.size(), 4096u);
     EXPECT_EQ(output.rfind("Status,  -xxxx", 0), 0u);
 }

@@ -6,227 +6,130 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/test_support.h"
 
 namespace fs = std::filesystem;
-using testsupport::ScratchDir;
-using testsupport::writeFile;
 
 namespace {
 
+using Text = std::optional<std::string>;
+
 TEST(StripExtensionTest, DropsOnlyTheLastExtensionOfTheName) {
-    struct Case {
-        const char* name;
-        const char* stripped;
+    const std::pair<const char*, const char*> cases[] = {
+        {"board.tar.gz", "board.tar"}, {".job", ""}, {"board", "board"}, {"", ""}, {".a.b", ".a"},
+        {"dir.x/name", "dir.x/name"}, {"dir.x\\name", "dir.x\\name"}, {"a.b/c.d", "a.b/c"}, {"/a", "/a"},
     };
-    const Case cases[] = {
-        {"board.tar.gz", "board.tar"}, {".job", ""},         {"board", "board"},
-        {"", ""},                      {".", ""},            {"name.", "name"},
-        {".a.b", ".a"},                {"x", "x"},           {"dir.x/name", "dir.x/name"},
-        {"dir.x\\name", "dir.x\\name"}, {"a.b/c.d", "a.b/c"}, {"/a", "/a"},
-    };
-    for (const Case& c : cases) EXPECT_STREQ(stripExtension(TextString(c.name)).text(), c.stripped) << c.name;
+    for (const auto& c : cases) EXPECT_STREQ(stripExtension(TextString(c.first)).text(), c.second) << c.first;
 }
 
-// Runs each test in its own scratch directory with TMP and TEMP restored
-// afterwards, as RunOptions reads both and the current directory.
+// Each test runs in a scratch directory with directories d and e and a file f; TMP and TEMP are restored.
 class RunOptionsTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        for (const char* name : {"TMP", "TEMP"}) {
-            const char* value = std::getenv(name);
-            saved_.push_back(value == nullptr ? std::nullopt : std::optional<std::string>(value));
-        }
-        savedDirectory_ = fs::current_path();
         fs::current_path(scratch_.path());
-        cwd_ = fs::current_path().string();
-        fs::create_directory(path("d"));
-        fs::create_directory(path("e"));
-        writeFile(path("f"), "x");
-        writeFile(path("board.tar.gz"), "x");
+        fs::create_directory("d");
+        fs::create_directory("e");
+        testsupport::writeFile("f", "x");
+        testsupport::writeFile("board.tar.gz", "x");
     }
     void TearDown() override {
         fs::current_path(savedDirectory_);
-        setVariable("TMP", saved_[0]);
-        setVariable("TEMP", saved_[1]);
+        setVariables(savedTmp_, savedTemp_);
     }
 
-    static void setVariable(const char* name, const std::optional<std::string>& value) {
-        if (value) setenv(name, value->c_str(), 1);
-        else unsetenv(name);
+    static Text variable(const char* name) { return std::getenv(name) ? Text(std::getenv(name)) : std::nullopt; }
+    static void setVariables(const Text& tmp, const Text& temp) {
+        tmp ? setenv("TMP", tmp->c_str(), 1) : unsetenv("TMP");
+        temp ? setenv("TEMP", temp->c_str(), 1) : unsetenv("TEMP");
     }
-
     std::string path(const std::string& name) const { return cwd_ + "/" + name; }
 
-    ScratchDir scratch_;
-    std::vector<std::optional<std::string>> saved_;
-    fs::path savedDirectory_;
-    std::string cwd_;
+    const Text savedTmp_ = variable("TMP"), savedTemp_ = variable("TEMP");
+    const fs::path savedDirectory_ = fs::current_path();
+    testsupport::ScratchDir scratch_;
+    const std::string cwd_ = fs::canonical(scratch_.path()).string();
 };
 
-TEST_F(RunOptionsTest, ExtractFileNameCodes) {
-    struct Case {
-        std::string path;
-        int code;
-        std::string name;
+// checkOutputPath: 0 free, 1 too long, 2 the name exists, 3 no directory, 4 not a
+// directory; the root keeps its separator. extractFileName: 0, 1 too long, 2 no name.
+TEST_F(RunOptionsTest, OutputPathAndFileNameCodes) {
+    const struct { std::string path; int code; std::string directory; } checks[] = {
+        {"out.vrn", 0, cwd_},            {"d/out", 0, path("d")}, {path("d/"), 0, path("d")}, {"", 2, ""},
+        {"/odb2vrn_absent.vrn", 0, "/"}, {path("f"), 2, ""},      {path("d"), 2, ""},       {"f/out.vrn", 4, path("f")},
+        {"/" + std::string(300, 'n'), 1, ""}, {"nodir/out.vrn", 3, path("nodir")},
     };
-    const Case cases[] = {
-        {path("board.tgz"), 0, "board.tgz"},
-        {"in/x.vrn", 0, "x.vrn"},
-        {"", 0, fs::path(cwd_).filename().string()},
-        {"d/..", 0, fs::path(cwd_).filename().string()},
-        {"/" + std::string(268, 'n'), 0, std::string(268, 'n')},
-        {"/" + std::string(269, 'n'), 1, ""},
-        {path("d/"), 2, ""},
-        {"/", 2, ""},
-    };
-    for (const Case& c : cases) {
-        char name[kPathArea] = "";
-        EXPECT_EQ(extractFileName(c.path.c_str(), name), c.code) << c.path;
-        if (c.code != 1) {
-            EXPECT_EQ(std::string(name), c.name) << c.path;
-        }
-    }
-}
-
-TEST_F(RunOptionsTest, CheckOutputPathCodes) {
-    struct Case {
-        std::string path;
-        int code;
-        std::string directory;  // checked for codes 0, 3 and 4
-    };
-    const Case cases[] = {
-        {path("out.vrn"), 0, cwd_},
-        {"out.vrn", 0, cwd_},
-        {"d/out", 0, path("d")},
-        {path("d/"), 0, path("d")},  // the name test comes later, in extractFileName
-        {"/odb2vrn_unit_test_absent.vrn", 0, "/"},  // the root keeps its separator
-        {"/" + std::string(300, 'n'), 1, ""},
-        {path("f"), 2, ""},
-        {path("d"), 2, ""},  // an existing directory is an existing name
-        {"", 2, ""},
-        {path("nodir/out.vrn"), 3, path("nodir")},
-        {path("f/out.vrn"), 4, path("f")},
-    };
-    for (const Case& c : cases) {
+    for (const auto& c : checks) {
         char directory[kPathArea] = "";
         EXPECT_EQ(checkOutputPath(c.path.c_str(), directory), c.code) << c.path;
-        if (c.code == 0 || c.code >= 3) {
-            EXPECT_EQ(std::string(directory), c.directory) << c.path;
-        }
+        EXPECT_EQ(directory, c.directory) << c.path;
+    }
+    const struct { std::string path; int code; std::string name; } names[] = {
+        {"in/x.vrn", 0, "x.vrn"}, {"", 0, fs::path(cwd_).filename().string()}, {path("d/"), 2, ""}, {"/", 2, ""},
+        {"/" + std::string(268, 'n'), 0, std::string(268, 'n')}, {"/" + std::string(269, 'n'), 1, ""},
+    };
+    for (const auto& c : names) {
+        char name[kPathArea] = "";
+        EXPECT_EQ(extractFileName(c.path.c_str(), name), c.code) << c.path;
+        EXPECT_EQ(name, c.name) << c.path;
     }
 }
 
-TEST_F(RunOptionsTest, ConstructorChoosesTmpThenTempThenTheCurrentDirectory) {
-    struct Case {
-        const char* label;
-        std::optional<std::string> tmp;
-        std::optional<std::string> temp;
-        std::string tempDirectory;
-        bool chosen;
+// TMP, then TEMP, then the current directory; when neither variable gave a
+// directory, the first valid -o chooses it.
+TEST_F(RunOptionsTest, TempDirectoryIsTmpThenTempThenTheFirstOutputDirectory) {
+    const struct { Text tmp, temp; std::vector<const char*> options; std::string directory; bool chosen; } cases[] = {
+        {path("d"), path("e"), {}, path("d"), true},
+        {Text("e/../d"), std::nullopt, {}, path("d"), true},
+        {path("d/"), path("e"), {}, path("e"), true},  // a trailing separator is no directory
+        {path("f"), path("e"), {}, path("e"), true},
+        {std::nullopt, path("e"), {}, cwd_, true},  // unset or empty: the current directory
+        {Text(""), path("e"), {}, cwd_, true},
+        {"/" + std::string(300, 't'), path("e"), {}, path("e"), true},
+        {path("f"), path("missing"), {}, cwd_, false},
+        {path("f"), path("missing"), {"-o", "d/out.vrn", "-output", "e/final"}, path("d"), true},
+        {path("f"), path("missing"), {"-o", "nodir/out.vrn"}, cwd_, false},  // a refused -o moves nothing
+        {path("e"), path("missing"), {"-o", "d/out.vrn"}, path("e"), true},
     };
-    const Case cases[] = {
-        {"TMP a directory", path("d"), path("e"), path("d"), true},
-        {"TMP relative, folded", std::string("e/../d"), std::nullopt, path("d"), true},
-        {"TMP with a trailing separator", path("d/"), path("e"), path("e"), true},
-        {"TMP a file", path("f"), path("e"), path("e"), true},
-        {"TMP unset is the current directory", std::nullopt, path("e"), cwd_, true},
-        {"TMP empty is the current directory", std::string(""), path("e"), cwd_, true},
-        {"TMP too long", "/" + std::string(300, 't'), path("e"), path("e"), true},
-        {"neither valid", path("f"), path("missing"), cwd_, false},
-        {"neither valid, TEMP unset is the current directory", path("f"), std::nullopt, cwd_, true},
-    };
-    for (const Case& c : cases) {
-        setVariable("TMP", c.tmp);
-        setVariable("TEMP", c.temp);
+    for (const auto& c : cases) {
+        setVariables(c.tmp, c.temp);
         RunOptions options;
-        EXPECT_STREQ(options.tempDirectory.text(), c.tempDirectory.c_str()) << c.label;
-        EXPECT_EQ(options.tempDirectoryChosen, c.chosen) << c.label;
-        EXPECT_STREQ(options.currentDirectory.text(), cwd_.c_str()) << c.label;
-        EXPECT_STREQ(options.outputDirectory.text(), cwd_.c_str()) << c.label;
-        for (const TextString* empty : {&options.inputFile, &options.outputFile, &options.logFile, &options.baseName}) {
-            EXPECT_STREQ(empty->text(), "") << c.label;
-        }
+        std::vector<const char*> argv = {"Odb2vrn_64", "board.tar.gz"};
+        argv.insert(argv.end(), c.options.begin(), c.options.end());
+        testing::internal::CaptureStdout();
+        parseArguments(options, static_cast<int>(argv.size()), argv.data());
+        testing::internal::GetCapturedStdout();
+        const std::string label = c.tmp.value_or("unset") + " " + argv.back();
+        EXPECT_EQ(options.tempDirectory.text(), c.directory) << label;
+        EXPECT_EQ(options.tempDirectoryChosen, c.chosen) << label;
+        EXPECT_EQ(options.outputFile.text(), c.options.empty() ? path("board.tar.vrn") : argv.back()) << label;
     }
 }
 
-// At the root the separator is cut, so built paths start with the one
-// separator that is put between directory and name.
-TEST_F(RunOptionsTest, RootCurrentDirectoryBecomesEmpty) {
-    unsetenv("TMP");
+// The default output lies in the current directory, not beside the input; at
+// the root the separator is cut so that built paths have one separator.
+TEST_F(RunOptionsTest, ParseArgumentsDerivesTheDefaultPaths) {
+    testsupport::writeFile(".job", "x");
+    testsupport::writeFile("d/plain", "x");
+    const std::pair<std::string, std::string> cases[] = {
+        {path("board.tar.gz"), "board.tar"}, {"d/plain", "plain"}, {".job", ""}};
+    for (const auto& [input, baseName] : cases) {
+        RunOptions options;
+        const char* argv[] = {"Odb2vrn_64", input.c_str()};
+        ASSERT_TRUE(parseArguments(options, 2, argv)) << input;
+        EXPECT_EQ(options.inputFile.text(), input);
+        EXPECT_EQ(options.baseName.text(), baseName);
+        EXPECT_EQ(options.outputFile.text(), path(baseName + ".vrn"));
+    }
+    const std::string input = path("board.tar.gz");
     fs::current_path("/");
     RunOptions options;
     EXPECT_STREQ(options.currentDirectory.text(), "");
-    EXPECT_STREQ(options.outputDirectory.text(), "");
-    EXPECT_STREQ(options.tempDirectory.text(), "/");
-    EXPECT_TRUE(options.tempDirectoryChosen);
-
-    const std::string input = path("board.tar.gz");
     const char* argv[] = {"Odb2vrn_64", input.c_str()};
     ASSERT_TRUE(parseArguments(options, 2, argv));
     EXPECT_STREQ(options.outputFile.text(), "/board.tar.vrn");
-}
-
-TEST_F(RunOptionsTest, ParseArgumentsDerivesTheDefaultPaths) {
-    struct Case {
-        std::string input;
-        std::string baseName;
-    };
-    writeFile(path(".job"), "x");
-    writeFile(path("d/plain"), "x");
-    const Case cases[] = {
-        {path("board.tar.gz"), "board.tar"},
-        {"d/plain", "plain"},
-        {".job", ""},
-    };
-    for (const Case& c : cases) {
-        RunOptions options;
-        const char* argv[] = {"Odb2vrn_64", c.input.c_str()};
-        ASSERT_TRUE(parseArguments(options, 2, argv)) << c.input;
-        EXPECT_STREQ(options.inputFile.text(), c.input.c_str());
-        EXPECT_STREQ(options.baseName.text(), c.baseName.c_str());
-        // The default output lies in the current directory, not beside the input.
-        EXPECT_EQ(std::string(options.outputFile.text()), path(c.baseName + ".vrn"));
-        EXPECT_EQ(std::string(options.logFile.text()), path(c.baseName + ".log"));
-    }
-}
-
-TEST_F(RunOptionsTest, FirstValidOutputMovesAnUnchosenTempDirectory) {
-    setenv("TMP", path("f").c_str(), 1);
-    setenv("TEMP", path("missing").c_str(), 1);
-    const std::string input = path("board.tar.gz");
-
-    {
-        RunOptions options;
-        ASSERT_FALSE(options.tempDirectoryChosen);
-        const char* argv[] = {"Odb2vrn_64", input.c_str(), "-o", "d/out.vrn", "-output", "e/final"};
-        ASSERT_TRUE(parseArguments(options, 6, argv));
-        EXPECT_STREQ(options.outputFile.text(), "e/final");  // the last one, as given
-        EXPECT_EQ(std::string(options.outputDirectory.text()), path("e"));
-        EXPECT_EQ(std::string(options.tempDirectory.text()), path("d"));
-        EXPECT_TRUE(options.tempDirectoryChosen);
-    }
-    {
-        // A refused -o moves nothing.
-        RunOptions options;
-        const char* argv[] = {"Odb2vrn_64", input.c_str(), "-o", "nodir/out.vrn"};
-        testing::internal::CaptureStdout();
-        EXPECT_FALSE(parseArguments(options, 4, argv));
-        testing::internal::GetCapturedStdout();
-        EXPECT_EQ(std::string(options.tempDirectory.text()), cwd_);
-        EXPECT_FALSE(options.tempDirectoryChosen);
-    }
-    {
-        // A chosen TMP stays, whatever -o names.
-        setenv("TMP", path("e").c_str(), 1);
-        RunOptions options;
-        const char* argv[] = {"Odb2vrn_64", input.c_str(), "-o", "d/out.vrn"};
-        ASSERT_TRUE(parseArguments(options, 4, argv));
-        EXPECT_EQ(std::string(options.tempDirectory.text()), path("e"));
-        EXPECT_EQ(std::string(options.outputDirectory.text()), path("d"));
-    }
 }
 
 }  // namespace

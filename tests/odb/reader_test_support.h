@@ -1,13 +1,15 @@
-// Helpers of the job reader tests: small job files written into a scratch
-// directory, the console text of a call, and whole-value dumps of what a
-// read left in the Design, so that a test compares one text with another.
+// Helpers of the job reader tests: job files written into a scratch
+// directory, the console text of a call, a whole-value dump of a Design, and
+// the case folders under tests/odb/cases.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "design/design.h"
 #include "support/test_support.h"
@@ -34,8 +36,22 @@ std::string consoleOf(Call call) {
     return testing::internal::GetCapturedStdout();
 }
 
-// One line per component, then one per pin: key, refdes, texts, numbers.
-inline std::string dumpComponents(Design& design) {
+// "net <index> <name>: <key>/<pinIndex> ..."
+inline std::string dumpNets(Design& design) {
+    std::string out;
+    for (auto* node = design.nets.head; node != nullptr; node = node->next) {
+        out += "net " + std::to_string(node->item->index) + " " + node->item->text() + ":";
+        for (auto* pin = node->item->pins.head; pin != nullptr; pin = pin->next) {
+            out += " " + std::string(pin->item->key.text()) + "/" + std::to_string(pin->item->pinIndex);
+        }
+        out += "\n";
+    }
+    return out;
+}
+
+// Components with their pins, nets, packages with their pin names, and the
+// longest net name, one line each.
+inline std::string dumpDesign(Design& design) {
     std::string out;
     for (auto* node = design.components.head; node != nullptr; node = node->next) {
         const Part& part = *node->item;
@@ -47,53 +63,34 @@ inline std::string dumpComponents(Design& design) {
                    " net=" + std::to_string(pin->item->netNumber) + " text=" + pin->item->pinText.text() + "\n";
         }
     }
-    return out;
-}
-
-// "net <index> <name>: <key>/<pinIndex> ..."
-inline std::string dumpNets(Design& design) {
-    std::string out;
-    for (auto* node = design.nets.head; node != nullptr; node = node->next) {
-        const Net& net = *node->item;
-        out += "net " + std::to_string(net.index) + " " + net.text() + ":";
-        for (auto* pin = net.pins.head; pin != nullptr; pin = pin->next) {
-            out += " " + std::string(pin->item->key.text()) + "/" + std::to_string(pin->item->pinIndex);
+    out += dumpNets(design);
+    for (auto* node = design.packages.head; node != nullptr; node = node->next) {
+        out += "package " + std::string(node->item->text()) + " " + node->item->typeName.text() + ":";
+        for (auto* pin = node->item->pins.head; pin != nullptr; pin = pin->next) {
+            out += std::string(" ") + pin->item->text();
         }
         out += "\n";
     }
-    return out;
+    return out + "longest net name " + std::to_string(design.longestNetName) + "\n";
 }
 
-// "package <key> <typeName>: <pin name> ..."
-inline std::string dumpPackages(Design& design) {
-    std::string out;
-    for (auto* node = design.packages.head; node != nullptr; node = node->next) {
-        const Part& package = *node->item;
-        out += "package " + std::string(package.text()) + " " + package.typeName.text() + ":";
-        for (auto* pin = package.pins.head; pin != nullptr; pin = pin->next)
-            out += " " + std::string(pin->item->text());
-        out += "\n";
+// Runs read(scratch, input) over every case of tests/odb/cases/<folder>:
+// <name>.in is the input, <name>.out the whole expected result.
+template <typename Read>
+void expectCases(const std::string& folder, Read read) {
+    std::vector<std::filesystem::path> inputs;
+    for (const auto& entry : std::filesystem::directory_iterator(testsupport::testDataDir() + "/odb/cases/" + folder)) {
+        if (entry.path().extension() == ".in") inputs.push_back(entry.path());
     }
-    return out;
-}
-
-inline std::string dumpDesign(Design& design) {
-    return dumpComponents(design) + dumpNets(design) + dumpPackages(design) + "longest net name " +
-           std::to_string(design.longestNetName) + "\n";
-}
-
-// The VRN file the writer makes of design, with its rights line (our own
-// wording, not pinned here) replaced by "! <RIGHTS>".
-inline std::string vrnOf(Design& design, const std::string& folder, const char* designName) {
-    const std::string path = folder + "/out.vrn";
-    TextString name(designName);
-    EXPECT_TRUE(design.writeNetlistFile(path.c_str(), name));
-    std::string text = testsupport::readFile(path);
-    const std::size_t title = text.find("\n! Netlist Converter ");
-    if (title == std::string::npos) return text;
-    const std::size_t rights = text.find('\n', title + 1) + 1;
-    if (text.compare(rights, 2, "! ") == 0) text.replace(rights, text.find('\n', rights) - rights, "! <RIGHTS>");
-    return text;
+    std::sort(inputs.begin(), inputs.end());
+    EXPECT_FALSE(inputs.empty()) << folder;
+    for (const std::filesystem::path& input : inputs) {
+        SCOPED_TRACE(folder + "/" + input.stem().string());
+        testsupport::ScratchDir scratch;
+        std::filesystem::path expected = input;
+        EXPECT_EQ(read(scratch, testsupport::readFile(input.string())),
+                  testsupport::readFile(expected.replace_extension(".out").string()));
+    }
 }
 
 }  // namespace odbtest
