@@ -177,8 +177,6 @@ void* allocateBulkMemory(std::size_t size) {
 
 // --- Directory search ------------------------------------------------------
 
-DirectorySearch::~DirectorySearch() { close(); }
-
 namespace {
 
 bool readAttributes(const std::string& path, std::uint32_t* attributes) {
@@ -238,18 +236,6 @@ bool DirectorySearch::findFirst(const char* pattern, FindRecord& record) {
     next_ = 1;
     record = entries_[0];
     return true;
-}
-
-bool DirectorySearch::findNext(FindRecord& record) {
-    if (!open_ || next_ >= entries_.size()) return false;
-    record = entries_[next_++];
-    return true;
-}
-
-void DirectorySearch::close() {
-    entries_.clear();
-    next_ = 0;
-    open_ = false;
 }
 
 void makeWritable(const char* path) {
