@@ -77,28 +77,23 @@ TEST(TextStringTest, SetLengthMakesRoomAndCutsButNeverLengthens) {
     for (const auto& c : cases) EXPECT_EQ(shape(TextString(c.text, c.room).setLength(c.size)), c.shape) << c.size;
 }
 
-TEST(TextStringTest, CompareTreatsNullAndEmptyAlike) {
-    const struct { const char* left; const char* right; bool caseSensitive; int sign; } cases[] = {
-        {"", nullptr, true, 0},     {"", "", true, 0},          {"a", nullptr, true, 1},  {"a", "", false, 1},
-        {"", "a", true, -1},        {"", "a", false, -1},       {"abc", "abd", true, -1}, {"ab", "abc", true, -1},
-        {"NONE", "none", true, -1}, {"NONE", "none", false, 0}, {"a", "B", true, 1},      {"a", "B", false, -1},
+// A null text compares as the empty one. Ignoring case, _stricmp folds to
+// lower case and compares unsigned bytes: "_" and "[" lie between the
+// capitals and the small letters, where folding up would flip the sign.
+TEST(TextStringTest, CompareTreatsNullAsEmptyAndFoldsToLowerCase) {
+    const struct { const char* left; const char* right; int sign, signIgnoringCase; } cases[] = {
+        {"", nullptr, 0, 0}, {"", "", 0, 0},       {"a", nullptr, 1, 1},    {"", "a", -1, -1},  {"abc", "abd", -1, -1},
+        {"ab", "abc", -1, -1}, {"NONE", "none", -1, 0}, {"a", "B", 1, -1}, {"_", "a", -1, -1}, {"_", "A", 1, -1},
+        {"[", "a", -1, -1},  {"Z", "[", -1, 1},     {"\x80", "a", 1, 1},  {"\xC4", "\xE4", -1, -1},
     };
     for (const auto& c : cases) {
-        EXPECT_EQ(sign(TextString(c.left).compare(c.right, c.caseSensitive)), c.sign)
-            << c.left << " vs " << (c.right ? c.right : "null") << " " << c.caseSensitive;
-    }
-}
-
-// _stricmp folds to lower case and compares unsigned bytes: "_" and "[" lie
-// between the capitals and the small letters, where folding up flips the sign.
-TEST(TextStringTest, CompareIgnoringCaseFoldsToLowerCase) {
-    const struct { const char* a; const char* b; int sign; } cases[] = {
-        {"comp_+_top", "COMP_+_TOP", 0}, {"_", "a", -1},   {"_", "A", -1},         {"[", "a", -1}, {"Z", "[", 1},
-        {"abc", "ABCD", -1},             {"\x80", "a", 1}, {"\xC4", "\xE4", -1},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(sign(compareIgnoringCase(c.a, c.b)), c.sign) << c.a << " vs " << c.b;
-        EXPECT_EQ(sign(compareIgnoringCase(c.b, c.a)), -c.sign) << c.b << " vs " << c.a;
+        const TextString left(c.left);
+        const std::string label = std::string(c.left) + " vs " + (c.right ? c.right : "null");
+        EXPECT_EQ(sign(left.compare(c.right, true)), c.sign) << label;
+        EXPECT_EQ(sign(left.compare(c.right, false)), c.signIgnoringCase) << label;
+        if (c.right != nullptr) {
+            EXPECT_EQ(sign(compareIgnoringCase(c.right, c.left)), -c.signIgnoringCase) << c.right;
+        }
     }
     TextString s("AZaz09_@[`{\x80\xC4\xFF");
     EXPECT_STREQ(s.toLower().text(), "azaz09_@[`{\x80\xC4\xFF");

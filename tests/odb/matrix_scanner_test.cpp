@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <utility>
 
 #include "odb/reader_test_support.h"
 
@@ -29,18 +28,6 @@ TEST(MatrixScannerTest, CaseFilesGiveTheirLines) {
         EXPECT_EQ(scanner.lineCounter, lines);
         return reads + "braces " + std::to_string(scanner.braceCounter) + " lines " + std::to_string(lines) + "\n";
     });
-}
-
-TEST(MatrixScannerTest, KeywordsIgnoreCase) {
-    testsupport::ScratchDir scratch;
-    testsupport::writeFile(scratch / "matrix", "");
-    MatrixScanner scanner;
-    EXPECT_EQ(scanner.lookup("STEP"), 0);  // the table is filled by open
-    ASSERT_TRUE(scanner.open(TextString((scratch / "matrix").c_str())));
-    const std::pair<const char*, std::int32_t> cases[] = {
-        {"STEP", 1}, {"step", 1}, {"Layer", 2}, {"name", 4}, {"type", 7}, {"}", 15}, {"STEP{", 0}, {"NAME ", 0},
-    };
-    for (const auto& c : cases) EXPECT_EQ(scanner.lookup(c.first), c.second) << c.first;
 }
 
 }  // namespace
