@@ -9,6 +9,8 @@
 #include "design/net.h"
 #include "design/part.h"
 
+class TextOutput;
+
 class Design {
 public:
     Design();
@@ -23,7 +25,7 @@ public:
     // characters. False when the file can't be opened or writing failed.
     bool writeNetlistFile(const char* path, TextString& designName);
     static void makeNameSafe(TextString& name);
-    void writePartList(std::FILE* stream);
+    void writePartList(TextOutput& out);
 
     // Members in this order: destruction releases packages, then the nodes
     // of nets, then components.

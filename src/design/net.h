@@ -6,7 +6,6 @@
 
 #include <cstdint>
 #include <cstdio>
-#include <string>
 #include <unordered_set>
 
 #include "containers/item_list.h"
@@ -14,6 +13,7 @@
 
 class Design;
 class NetlistLookup;
+class TextOutput;
 
 class NetPin {
 public:
@@ -32,9 +32,17 @@ public:
     NetPin* addNetPin(NetPin* pin);
 
 private:
-    static std::string indexKey(const NetPin& pin);
+    // The pins of a long list by key and index; they live as long as the run.
+    struct SameConnection {
+        bool operator()(const NetPin* a, const NetPin* b) const {
+            return a->pinIndex == b->pinIndex && a->key.equals(b->key);
+        }
+    };
+    struct ConnectionHash {
+        std::size_t operator()(const NetPin* pin) const;
+    };
     static constexpr std::int32_t kIndexFrom = 8;
-    std::unordered_set<std::string> seen_;  // filled once the list is long
+    std::unordered_set<const NetPin*, ConnectionHash, SameConnection> seen_;  // filled once the list is long
 };
 
 class Net : public NamedItem {
@@ -43,7 +51,7 @@ public:
 
     NetPin* addNetPin(NetPin* pin) { return pins.addNetPin(pin); }
     // The net's block of the NETLIST section.
-    void write(std::FILE* stream, NetlistLookup& lookup);
+    void write(TextOutput& out, NetlistLookup& lookup);
 
     Design* owner = nullptr;
     NetPinList pins;

@@ -29,29 +29,10 @@
 
 namespace {
 
-const char kLineEnd[] = "\n";
-
-void writeBlanks(std::FILE* stream, std::int64_t count) {
-    static const char kBlanks[] = "                                                                ";
-    constexpr std::int64_t kRun = sizeof kBlanks - 1;
-    while (count > 0) {
-        const std::int64_t run = count < kRun ? count : kRun;
-        std::fwrite(kBlanks, 1, static_cast<std::size_t>(run), stream);
-        count -= run;
-    }
-}
-
-// "%-Ns": the text, then blanks up to width; a longer text is never cut.
-void writePadded(std::FILE* stream, const char* text, std::int64_t width) {
-    const std::size_t length = std::strlen(text);
-    std::fwrite(text, 1, length, stream);
-    writeBlanks(stream, width - static_cast<std::int64_t>(length));
-}
-
 // The blanks behind a net name on its first line: from the name's length up
 // to W, none when the name is W long or longer.
-void writeNameFill(std::FILE* stream, std::int32_t nameLength, std::int32_t longestNetName) {
-    writeBlanks(stream, static_cast<std::int64_t>(longestNetName) + 5 - nameLength);
+void writeNameFill(TextOutput& out, std::int32_t nameLength, std::int32_t longestNetName) {
+    out.blanks(static_cast<std::int64_t>(longestNetName) + 5 - nameLength);
 }
 
 }  // namespace
@@ -142,14 +123,13 @@ void NetlistLookup::checkPackagePin(Part* package, std::int32_t pinIndex) {
     if (pinIndex < 0 || pinIndex >= package->pins.itemCount()) abnormalEnd();
 }
 
-void writeNetPins(NetPinList& pins, std::FILE* stream, Design& design, std::int32_t nameLength,
+void writeNetPins(NetPinList& pins, TextOutput& out, Design& design, std::int32_t nameLength,
                   NetlistLookup& lookup) {
     const std::int32_t longest = design.longestNetName;
     const std::int32_t n = pins.itemCount();
     if (n == 0) {
-        writeNameFill(stream, nameLength, longest);
-        std::fputs(";", stream);
-        std::fputs(kLineEnd, stream);
+        writeNameFill(out, nameLength, longest);
+        out.put(";\n", 2);
         return;
     }
     bool pinOk = true;
@@ -165,7 +145,7 @@ void writeNetPins(NetPinList& pins, std::FILE* stream, Design& design, std::int3
             packageCarried = true;
             if (!(pin->pinIndex < component->pinCount)) {
                 const char* key = component->part->text();
-                std::fprintf(stream, "\t! ERR: Component(\"%s\"), Pin (\"%d\") not found.\n", key, pin->pinIndex);
+                out.print("\t! ERR: Component(\"%s\"), Pin (\"%d\") not found.\n", key, pin->pinIndex);
                 std::printf("ERR: Component(\"%s\"), Pin (\"%d\") not found.\n", key, pin->pinIndex);
                 pinOk = false;
             } else {
@@ -179,35 +159,38 @@ void writeNetPins(NetPinList& pins, std::FILE* stream, Design& design, std::int3
             const char* pinText = carriedPinText != nullptr ? carriedPinText : "";
             const char* stripped = stripPinPrefix(refdes, pinText);
             if (i == 0) {
-                writeNameFill(stream, nameLength, longest);
+                writeNameFill(out, nameLength, longest);
             } else {
-                std::fputs("\t", stream);
-                writeBlanks(stream, static_cast<std::int64_t>(longest) + 5);
+                out.put('\t');
+                out.blanks(static_cast<std::int64_t>(longest) + 5);
             }
             // "%-16s  %s\n", with ";" before the line end on the last pin.
-            writePadded(stream, refdes, 16);
-            std::fputs("  ", stream);
-            std::fputs(stripped != nullptr ? stripped : pinText, stream);
-            std::fputs(i == n - 1 ? ";\n" : "\n", stream);
+            out.padded(refdes, 16);
+            out.put("  ", 2);
+            out.put(stripped != nullptr ? stripped : pinText);
+            if (i == n - 1) out.put(";\n", 2);
+            else out.put('\n');
         }
         pinOk = true;
     }
 }
 
-void Net::write(std::FILE* stream, NetlistLookup& lookup) {
+void Net::write(TextOutput& out, NetlistLookup& lookup) {
     if (owner == nullptr) abnormalEnd();  // a Net is written only from its Design
-    std::fprintf(stream, "\t%s", text());
-    writeNetPins(pins, stream, *owner, length(), lookup);
+    const std::size_t nameLength = std::strlen(text());
+    out.put('\t');
+    out.put(text(), nameLength);
+    writeNetPins(pins, out, *owner, static_cast<std::int32_t>(nameLength), lookup);
 }
 
-void writeNetlistSection(NetList& nets, std::FILE* stream, NetlistLookup& lookup) {
-    std::fputs("NETLIST\n", stream);
+void writeNetlistSection(NetList& nets, TextOutput& out, NetlistLookup& lookup) {
+    out.put("NETLIST\n");
     const std::int32_t count = nets.itemCount();
-    for (std::int32_t i = 0; i < count; ++i) nets.itemAt(i)->write(stream, lookup);
-    std::fputs("END_NETLIST\n", stream);
+    for (std::int32_t i = 0; i < count; ++i) nets.itemAt(i)->write(out, lookup);
+    out.put("END_NETLIST\n");
 }
 
-void Part::writePartLine(std::FILE* stream) {
+void Part::writePartLine(TextOutput& out) {
     if (state != 1) return;
     const char* substitute = nullptr;
     if (typeName.equals("???")) {
@@ -215,21 +198,26 @@ void Part::writePartLine(std::FILE* stream) {
         else if (!value.isEmpty()) substitute = value.text();
         else if (!partName.isEmpty()) substitute = partName.text();
     }
+    // "\t%-12s\t%s\n", or "\t%-12s\t%s\t!  %s\n" with a substitute.
+    out.put('\t');
+    out.padded(refdes.text(), 12);
+    out.put('\t');
     if (substitute != nullptr) {
-        std::fprintf(stream, "\t%-12s\t%s\t!  %s\n", refdes.text(), substitute, typeName.text());
-    } else {
-        std::fprintf(stream, "\t%-12s\t%s\n", refdes.text(), typeName.text());
+        out.put(substitute);
+        out.put("\t!  ", 4);
     }
+    out.put(typeName.text());
+    out.put('\n');
 }
 
-void Design::writePartList(std::FILE* stream) {
-    std::fputs("PART_LIST\n", stream);
+void Design::writePartList(TextOutput& out) {
+    out.put("PART_LIST\n");
     const std::int32_t count = components.itemCount();
     for (std::int32_t i = 0; i < count; ++i) {
         Part* component = components.itemAt(i);
-        if (component->pins.itemCount() > 0) component->writePartLine(stream);
+        if (component->pins.itemCount() > 0) component->writePartLine(out);
     }
-    std::fputs("END_PART_LIST\n\n", stream);
+    out.put("END_PART_LIST\n\n");
 }
 
 bool Design::writeNetlistFile(const char* path, TextString& designName) {
@@ -244,14 +232,16 @@ bool Design::writeNetlistFile(const char* path, TextString& designName) {
             designName.append(original);
         }
         NetlistLookup lookup(*this);
-        std::fprintf(stream, "DESIGN\t%s\n\n", designName.text());
-        std::fprintf(stream, "! Netlist Converter %s --> Vrn, version %s\n", kProgramTitle, kVersionNumber);
-        std::fprintf(stream, "! Copyright (c) 2004-2023 %s. All rights reserved.\n", kRightsHolder);
-        std::fputs("\n", stream);
-        writePartList(stream);
-        std::fputs("\n", stream);
-        writeNetlistSection(nets, stream, lookup);
-        std::fputs("\nEND_DESIGN\n", stream);
+        // What was gathered goes to the stream also when an allocation fails.
+        TextOutput out(stream);
+        out.print("DESIGN\t%s\n\n", designName.text());
+        out.print("! Netlist Converter %s --> Vrn, version %s\n", kProgramTitle, kVersionNumber);
+        out.print("! Copyright (c) 2004-2023 %s. All rights reserved.\n", kRightsHolder);
+        out.put('\n');
+        writePartList(out);
+        out.put('\n');
+        writeNetlistSection(nets, out, lookup);
+        out.put("\nEND_DESIGN\n");
     } catch (...) {
         // Left unfinished and open, as an allocation failure leaves it.
         return false;

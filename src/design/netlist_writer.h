@@ -10,6 +10,7 @@
 
 #include "design/net.h"
 #include "design/part.h"
+#include "design/text_output.h"
 
 class Design;
 
@@ -64,8 +65,8 @@ private:
 const char* stripPinPrefix(const char* refdes, const char* pinText);
 
 // The rest of a net's block after its "\t<name>".
-void writeNetPins(NetPinList& pins, std::FILE* stream, Design& design, std::int32_t nameLength,
+void writeNetPins(NetPinList& pins, TextOutput& out, Design& design, std::int32_t nameLength,
                   NetlistLookup& lookup);
 
 // "NETLIST", one block per net, "END_NETLIST".
-void writeNetlistSection(NetList& nets, std::FILE* stream, NetlistLookup& lookup);
+void writeNetlistSection(NetList& nets, TextOutput& out, NetlistLookup& lookup);

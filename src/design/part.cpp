@@ -10,20 +10,14 @@ PartPin::PartPin(TextString name, std::int32_t pinNumber, std::int32_t netNumber
 PartPin::PartPin(const char* name, std::int32_t pinNumber, std::int32_t netNumber, const char* pinText)
     : NamedItem(name), pinNumber(pinNumber), netNumber(netNumber), pinText(pinText) {}
 
-PartPin* PartPinList::addItem(PartPin* pin) {
-    if (ItemList<PartPin>::addItem(pin) == nullptr) return nullptr;
-    if (count == kIndexFrom) {
-        for (Node* node = head; node != nullptr; node = node->next) {
-            byName_.emplace(node->item->text(), node->item);
-        }
-    } else if (count > kIndexFrom) {
-        byName_.emplace(pin->text(), pin);  // keeps an earlier namesake
-    }
-    return pin;
-}
-
 PartPin* PartPinList::findPinByName(const char* text) {
     if (count >= kIndexFrom) {
+        // The pins added since the last search join the index; the first
+        // pin of a name keeps it.
+        for (Node* node = lastIndexed_ == nullptr ? head : lastIndexed_->next; node != nullptr; node = node->next) {
+            byName_.try_emplace(node->item->text(), node->item);
+            lastIndexed_ = node;
+        }
         const auto found = byName_.find(text == nullptr ? "" : text);
         return found == byName_.end() ? nullptr : found->second;
     }

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 
 #include "containers/item_list.h"
@@ -14,6 +15,7 @@
 
 class Design;
 class PartList;
+class TextOutput;
 
 class PartPin : public NamedItem {
 public:
@@ -37,16 +39,31 @@ public:
 // must not change after a pin is added.
 class PartPinList : public OwningItemList<PartPin> {
 public:
-    PartPin* addItem(PartPin* pin);
     // The first pin whose name equals text, case-sensitively; or null.
     PartPin* findPinByName(const char* text);
     PartPin* findPinByName(TextString text) { return findPinByName(text.text()); }
     // Pins are never taken out one by one; the name index relies on it.
     bool removeAt(std::int32_t index) = delete;
+    void clearItems() {
+        forgetIndex();
+        OwningItemList<PartPin>::clearItems();
+    }
+    void clearNodes() {
+        forgetIndex();
+        OwningItemList<PartPin>::clearNodes();
+    }
 
 private:
     static constexpr std::int32_t kIndexFrom = 16;
-    std::unordered_map<std::string, PartPin*> byName_;
+    // Filled on the first search of a long list: only packages are searched,
+    // and a component's many "DUMMY" pins need no index.
+    std::unordered_map<std::string_view, PartPin*> byName_;
+    Node* lastIndexed_ = nullptr;
+
+    void forgetIndex() {
+        byName_.clear();
+        lastIndexed_ = nullptr;
+    }
 };
 
 class Part : public NamedItem {
@@ -68,7 +85,7 @@ public:
     void setOwner(Design* design) { owner = design; }
 
     // One line of the PART_LIST section, or nothing.
-    void writePartLine(std::FILE* stream);
+    void writePartLine(TextOutput& out);
 
     std::int32_t state = 1;
     Design* owner = nullptr;

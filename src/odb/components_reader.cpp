@@ -14,15 +14,17 @@
 
 namespace {
 
-const char kCmpScan[] = "%*s %ld %lf %lf %lf %c %2047s %2047s";
-const char kPrpScan[] = "%*s %2047s %2047s ";
-const char kTopScan[] = "%*s %ld %lf %lf %lf %c %ld %ld %2047s";
+// Nothing reads a position, a rotation or a subnet number: those fields are
+// only checked for their form.
+const RecordFormat kCmpScan("%*s %ld %lf %lf %lf %c %2047s %2047s", 0x0E);
+const RecordFormat kPrpScan("%*s %2047s %2047s ");
+const RecordFormat kTopScan("%*s %ld %lf %lf %lf %c %ld %ld %2047s", 0x4E);
 
 // The state of one read of a components file; the areas start empty.
 struct ComponentsRead {
     Design& design;
     ComponentScanner scanner;
-    TextString line;
+    const char* line = nullptr;
     TextString sideLetter;
     std::int32_t componentNumber = 0;
     Part* current = nullptr;
@@ -44,7 +46,7 @@ bool ComponentsRead::cmp() {
     long packageNumber = 0;
     double x = 0, y = 0, rotation = 0;
     char mirror = 0;
-    if (scanRecord(line.text(), kCmpScan, &packageNumber, &x, &y, &rotation, &mirror, name, partName) != 7) {
+    if (kCmpScan.scan(line, &packageNumber, &x, &y, &rotation, &mirror, name, partName) != 7) {
         return false;
     }
     Part* part = new Part(nullptr);
@@ -74,7 +76,7 @@ bool ComponentsRead::cmp() {
 // white space turned into "_". With no closing quote the copy ends at the
 // line end (LF or CR LF), which is not copied.
 void ComponentsRead::copyQuotedValue() {
-    const char* from = std::strchr(line.text(), '\'');
+    const char* from = std::strchr(line, '\'');
     if (from == nullptr) return;
     ++from;
     int length = 0;
@@ -88,7 +90,7 @@ void ComponentsRead::copyQuotedValue() {
 void ComponentsRead::prp() {
     // No result of this scan ends the record: a missing word leaves the area
     // as the last record left it.
-    scanRecord(line.text(), kPrpScan, name, propertyValue);
+    kPrpScan.scan(line, name, propertyValue);
     enum { kNone, kValue, kManufacturerPartNo, kPartName } property = kNone;
     if (std::strcmp(name, "VALUE") == 0) property = kValue;
     else if (std::strcmp(name, "MANUFACTURER_PART_NO.") == 0) property = kManufacturerPartNo;
@@ -108,8 +110,7 @@ bool ComponentsRead::top() {
     long pinNumber = 0, netNumber = 0, subnetNumber = 0;
     double x = 0, y = 0, rotation = 0;
     char mirror = 0;
-    if (scanRecord(line.text(), kTopScan, &pinNumber, &x, &y, &rotation, &mirror, &netNumber, &subnetNumber,
-                    pinText) != 8) {
+    if (kTopScan.scan(line, &pinNumber, &x, &y, &rotation, &mirror, &netNumber, &subnetNumber, pinText) != 8) {
         return false;
     }
     current->pins.addItem(new PartPin("DUMMY", static_cast<std::int32_t>(pinNumber),
@@ -123,7 +124,8 @@ std::int32_t JobReader::readComponents(TextString layerName) {
     ComponentsRead read(design);
     read.sideLetter.assign(layerName.equals("comp_+_top") ? "T" : "B");
     if (!read.scanner.open(componentsPath(layerName.text()), &design)) return 1;
-    const std::int32_t result = readRecords(read.scanner, read.line, read.firstWord, [&read](std::int32_t code) {
+    const std::int32_t result = readRecords(read.scanner, read.firstWord, [&read](const char* line, std::int32_t code) {
+        read.line = line;
         switch (code) {
             case ComponentScanner::kCmp: return read.cmp();
             case ComponentScanner::kPrp: read.prp(); return true;

@@ -3,6 +3,7 @@
 // Everything else in the file is passed over.
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 
 #include "design/design.h"
 #include "design/run_lifetime.h"
@@ -13,16 +14,18 @@
 namespace {
 
 // The scans of the records, each bounded by its area.
-const char kNetScan[] = "%*s %2047s %2047s";
-const char kSntKindScan[] = "%*s %15s";
-const char kSntTopScan[] = "%*s %*s %c %2047s %ld";
-const char kNameScan[] = "%*s %2047s";
+const RecordFormat kNetScan("%*s %2047s %2047s");
+// "%*s %15s" gives an SNT record's kind, and "%*s %*s %c %2047s %ld" the
+// rest of one of kind TOP. A kind that is TOP was a whole word, so one scan
+// gives both, the rest's result one higher.
+const RecordFormat kSntScan("%*s %15s %c %2047s %ld");
+const RecordFormat kNameScan("%*s %2047s");
 
 // The state of one read of eda/data.
 struct EdaRead {
     Design& design;
     EdaScanner scanner;
-    TextString line;
+    const char* line = nullptr;
     std::int32_t netNumber = 0;
     std::int32_t packageNumber = 0;
     Net* currentNet = nullptr;
@@ -32,6 +35,7 @@ struct EdaRead {
     char pinName[kLineArea] = {};
     char netName[kLineArea] = {};
     char numberWord[kLineArea] = {};
+    char keyText[kLineArea + 1] = {};  // a side letter and a number word
     char packageName[kLineArea] = {};
 
     explicit EdaRead(Design& target) : design(target) {}
@@ -44,7 +48,7 @@ struct EdaRead {
 };
 
 bool EdaRead::net() {
-    if (scanRecord(line.text(), kNetScan, netName, secondWord) < 1) return false;
+    if (kNetScan.scan(line, netName, secondWord) < 1) return false;
     // "NET GND ;;ID=7" names GND; "NET GND A" names GNDA.
     TextString name(netName);
     if (secondWord[0] != '\0' && secondWord[0] != ';') name.append(secondWord);
@@ -63,19 +67,21 @@ bool EdaRead::net() {
 
 bool EdaRead::snt() {
     if (currentNet == nullptr) return true;
-    if (scanRecord(line.text(), kSntKindScan, firstWord) != 1) return false;
-    if (scanner.lookup(firstWord) != EdaScanner::kTop) return true;
     char side = 0;
     long pinIndex = 0;
-    if (scanRecord(line.text(), kSntTopScan, &side, numberWord, &pinIndex) != 3) return false;
+    const int result = kSntScan.scan(line, firstWord, &side, numberWord, &pinIndex);
+    if (result < 1) return false;
+    if (scanner.lookup(firstWord) != EdaScanner::kTop) return true;
+    if (result != 4) return false;
     // "SNT TOP T 12 3" ties the net to pin index 3 of component T12.
-    TextString key = TextString(side) + numberWord;
-    currentNet->addNetPin(makeForRun<NetPin>(key, static_cast<std::int32_t>(pinIndex)));
+    keyText[0] = side;
+    std::strcpy(keyText + 1, numberWord);
+    currentNet->addNetPin(makeForRun<NetPin>(TextString(keyText), static_cast<std::int32_t>(pinIndex)));
     return true;
 }
 
 bool EdaRead::pkg() {
-    if (scanRecord(line.text(), kNameScan, packageName) != 1) return false;
+    if (kNameScan.scan(line, packageName) != 1) return false;
     currentNet = nullptr;
     Part* package = new Part(packageName);
     currentPackage = package;
@@ -88,7 +94,7 @@ bool EdaRead::pkg() {
 bool EdaRead::pin() {
     currentNet = nullptr;
     if (currentPackage == nullptr) return false;
-    if (scanRecord(line.text(), kNameScan, pinName) != 1) return false;
+    if (kNameScan.scan(line, pinName) != 1) return false;
     TextString name(pinName);
     while (currentPackage->pins.findPinByName(name) != nullptr) name.append("_");
     currentPackage->pins.addItem(new PartPin(name, 0, 0));
@@ -100,7 +106,8 @@ bool EdaRead::pin() {
 std::int32_t JobReader::readEdaData() {
     EdaRead read(design);
     if (!read.scanner.open(edaDataPath(), &design)) return 1;
-    return readRecords(read.scanner, read.line, read.firstWord, [&read](std::int32_t code) {
+    return readRecords(read.scanner, read.firstWord, [&read](const char* line, std::int32_t code) {
+        read.line = line;
         switch (code) {
             case EdaScanner::kNet: return read.net();
             case EdaScanner::kSnt: return read.snt();

@@ -1,20 +1,78 @@
 #include "odb/keyword_table.h"
 
-void KeywordTable::add(const char* keyword, std::int32_t code) {
-    Keyword entry;
-    entry.keyword.assign(keyword);
-    entry.code = code;
-    addTail(entry);
-}
-
 namespace {
 
 char lowered(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
 
 }  // namespace
 
+bool KeywordTable::pack(const char* word, bool lower, std::uint64_t* low, std::uint64_t* high) {
+    // Little-endian order by shifts, whatever the machine's byte order.
+    std::uint64_t bytes[2] = {0, 0};
+    if (word != nullptr) {
+        for (unsigned i = 0; word[i] != '\0'; ++i) {
+            if (i == 15) return false;
+            const char c = lower ? lowered(word[i]) : word[i];
+            bytes[i / 8] |= std::uint64_t{static_cast<unsigned char>(c)} << (i % 8 * 8);
+        }
+    }
+    *low = bytes[0];
+    *high = bytes[1];
+    return true;
+}
+
+int KeywordTable::slotOf(std::uint64_t low, std::uint64_t high) {
+    return static_cast<int>(((low + high * 0x9E3779B97F4A7C15ULL) * 0xBF58476D1CE4E5B9ULL) >> 58);  // 64 slots
+}
+
+void KeywordTable::insert(Slot* table, std::uint64_t low, std::uint64_t high, std::int32_t code) {
+    for (int i = slotOf(low, high);; i = (i + 1) % kSlots) {
+        Slot& slot = table[i];
+        if (!slot.used) {
+            slot = {low, high, code, true};
+            return;
+        }
+        if (slot.low == low && slot.high == high) return;  // the first entry wins
+    }
+}
+
+const KeywordTable::Slot* KeywordTable::find(const Slot* table, std::uint64_t low, std::uint64_t high) {
+    for (int i = slotOf(low, high);; i = (i + 1) % kSlots) {
+        const Slot& slot = table[i];
+        if (!slot.used) return nullptr;
+        if (slot.low == low && slot.high == high) return &slot;
+    }
+}
+
+void KeywordTable::add(const char* keyword, std::int32_t code) {
+    Keyword entry;
+    entry.keyword.assign(keyword);
+    entry.code = code;
+    addTail(entry);
+    // Half the slots at most stay free, so that a search ends soon.
+    if (itemCount() > kSlots / 2) indexed_ = false;
+    std::uint64_t low = 0, high = 0;
+    if (indexed_ && pack(keyword, false, &low, &high)) {
+        insert(exact_, low, high, code);
+        pack(keyword, true, &low, &high);
+        insert(lowered_, low, high, code);
+    }
+}
+
+void KeywordTable::clearRecords() {
+    RecordList<Keyword>::clearRecords();
+    for (int i = 0; i < kSlots; ++i) exact_[i] = lowered_[i] = Slot();
+    indexed_ = true;
+}
+
 std::int32_t KeywordTable::lookup(const char* word, bool caseSensitive, std::int32_t notFound) {
-    // Every line is classified here: a first-byte test spares most compares.
+    std::uint64_t low = 0, high = 0;
+    if (!indexed_ || !pack(word, !caseSensitive, &low, &high)) return walk(word, caseSensitive, notFound);
+    const Slot* slot = find(caseSensitive ? exact_ : lowered_, low, high);
+    return slot == nullptr ? notFound : slot->code;
+}
+
+std::int32_t KeywordTable::walk(const char* word, bool caseSensitive, std::int32_t notFound) {
     const char first = word == nullptr ? '\0' : caseSensitive ? word[0] : lowered(word[0]);
     for (Node* node = head; node != nullptr; node = node->next) {
         const char* keyword = node->record.keyword.text();

@@ -20,4 +20,30 @@ public:
     // The code of the first entry equal to word (ignoring ASCII case when
     // caseSensitive is false); notFound when none is, or the table is empty.
     std::int32_t lookup(const char* word, bool caseSensitive, std::int32_t notFound);
+    void clearRecords();
+    // The index relies on entries being added at the tail only.
+    bool removeAt(std::int32_t index) = delete;
+    void addHead(const Keyword& record) = delete;
+
+private:
+    // Every line of a job file is looked up, so short words (up to 15 bytes,
+    // as long as a record's first word) go through a hash of their bytes:
+    // one table as written, one in lower case. A slot holds the code of the
+    // first entry with its word; a longer word walks the list.
+    struct Slot {
+        std::uint64_t low = 0;
+        std::uint64_t high = 0;
+        std::int32_t code = 0;
+        bool used = false;
+    };
+    static constexpr int kSlots = 64;
+    static bool pack(const char* word, bool lower, std::uint64_t* low, std::uint64_t* high);
+    static int slotOf(std::uint64_t low, std::uint64_t high);
+    static void insert(Slot* table, std::uint64_t low, std::uint64_t high, std::int32_t code);
+    static const Slot* find(const Slot* table, std::uint64_t low, std::uint64_t high);
+    std::int32_t walk(const char* word, bool caseSensitive, std::int32_t notFound);
+
+    Slot exact_[kSlots];
+    Slot lowered_[kSlots];
+    bool indexed_ = true;  // false once the table outgrows the slots
 };

@@ -1,7 +1,5 @@
 #include "odb/line_scanner.h"
 
-#include <cstring>
-
 #include "platform/platform.h"
 
 LineScanner::~LineScanner() { close(); }
@@ -10,31 +8,37 @@ bool LineScanner::open(const TextString& path, Design* target) {
     if (target == nullptr) return false;
     file = platform::openJobFile(path.text());
     if (file == nullptr) return false;
+    pieces_.attach(file);
     design = target;
     fill_(keywords);
     opened = true;
     return true;
 }
 
-std::int32_t LineScanner::readLine(TextString& line) {
-    lineBuffer[0] = '\0';
-    if (endOfFile) return -1;
+const char* LineScanner::nextLine() {
+    if (endOfFile) return nullptr;
     for (;;) {
-        if (file == nullptr || std::fgets(lineBuffer, kLineArea, file) == nullptr) {
-            lineBuffer[0] = '\0';
+        const char* piece = pieces_.next();
+        if (piece == nullptr) {
             endOfFile = true;
-            return -1;
+            return nullptr;
         }
         ++lineCounter;
-        const char first = lineBuffer[0];
+        const char first = piece[0];
         const bool skip = first == '#' || first == '\n' || first == '\r' || (skipAtLines_ && first == '@');
-        if (!skip) break;
+        if (!skip) return piece;
     }
-    line.assign(lineBuffer);
+}
+
+std::int32_t LineScanner::readLine(TextString& line) {
+    const char* text = nextLine();
+    if (text == nullptr) return -1;
+    line.assign(text);
     return 0;
 }
 
 void LineScanner::close() {
+    pieces_.attach(nullptr);
     if (file != nullptr) std::fclose(file);
     file = nullptr;
     keywords.clearRecords();
@@ -57,6 +61,20 @@ void EdaScanner::fillTable(KeywordTable& table) {
         {"VIA", 23}, {"TRC", 24}, {"PLN", 25},   {"# NET", 26},
     };
     for (const auto& entry : kEntries) table.add(entry.keyword, entry.code);
+}
+
+int scanFirstWord(const char* line, char* firstWord) {
+    // Every line is scanned so: done here directly, as RecordFormat would.
+    const char* p = line;
+    while (isWhiteSpace(*p)) ++p;
+    if (*p == '\0') return -1;
+    int length = 0;
+    while (length < kFirstWordArea - 1 && p[length] != '\0' && !isWhiteSpace(p[length])) {
+        firstWord[length] = p[length];
+        ++length;
+    }
+    firstWord[length] = '\0';
+    return 1;
 }
 
 std::int32_t fileExists(const TextString& path) {

@@ -11,7 +11,7 @@
 
 #include "containers/text_string.h"
 #include "odb/keyword_table.h"
-#include "odb/record_scan.h"
+#include "odb/line_pieces.h"
 
 class Design;
 
@@ -29,7 +29,11 @@ public:
     // Opens path (job lookup, ignoring case) and fills the table; false,
     // with nothing printed, when the file can't be opened or design is null.
     bool open(const TextString& path, Design* design);
-    // 0 with a line in line; -1 at the end of the file (line unchanged).
+    // The next line that is not skipped, valid until the next read; null at
+    // the end of the file.
+    const char* nextLine();
+    // 0 with a copy of nextLine in line; -1 at the end of the file (line
+    // unchanged).
     std::int32_t readLine(TextString& line);
     std::int32_t lookup(const char* word) { return keywords.lookup(word, true, notFound_); }
     void close();
@@ -39,7 +43,6 @@ public:
     KeywordTable keywords;
     Design* design = nullptr;
     std::int32_t lineCounter = 1;
-    char lineBuffer[kLineArea] = {};
     bool opened = false;
 
 protected:
@@ -51,6 +54,7 @@ private:
     const bool skipAtLines_;
     const std::int32_t notFound_;
     const TableFiller fill_;
+    LinePieces pieces_;
 };
 
 class ComponentScanner : public LineScanner {
@@ -71,15 +75,19 @@ private:
     static void fillTable(KeywordTable& table);
 };
 
+// The formatted scan "%15s" of a line into firstWord (kFirstWordArea bytes).
+int scanFirstWord(const char* line, char* firstWord);
+
 // Reads the file to its end. The first word of each line goes into
-// firstWord (kFirstWordArea bytes) and its code to handle, which returns
-// false when its record ends the read. A line of blanks scans no word, so
-// the last word is dispatched again. 0 at the end of the file, else 1.
+// firstWord and the line with the word's code to handle(line, code), which
+// returns false when its record ends the read. A line of blanks scans no
+// word, so the last word is dispatched again. 0 at the end of the file,
+// else 1.
 template <typename Handler>
-std::int32_t readRecords(LineScanner& scanner, TextString& line, char* firstWord, Handler handle) {
-    while (scanner.readLine(line) != -1) {
-        if (scanRecord(line.text(), "%15s", firstWord) == 0) return 1;
-        if (!handle(scanner.lookup(firstWord))) return 1;
+std::int32_t readRecords(LineScanner& scanner, char* firstWord, Handler handle) {
+    while (const char* line = scanner.nextLine()) {
+        if (scanFirstWord(line, firstWord) == 0) return 1;
+        if (!handle(line, scanner.lookup(firstWord))) return 1;
     }
     return 0;
 }

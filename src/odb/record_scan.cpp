@@ -1,6 +1,6 @@
 #include "odb/record_scan.h"
 
-#include <cstdarg>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 
@@ -12,8 +12,26 @@ constexpr int kUnsure = -2;
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
+// Byte classes, so that the loops over a line's bytes test one table entry:
+// white space as isWhiteSpace says, and the end of a %s word (white space
+// or the terminator).
+constexpr unsigned char kSpace = 1;
+constexpr unsigned char kWordEnd = 2;
+
+struct ByteClasses {
+    unsigned char of[256] = {};
+    constexpr ByteClasses() {
+        for (int c = '\t'; c <= '\r'; ++c) of[c] = kSpace | kWordEnd;
+        of[static_cast<unsigned char>(' ')] = kSpace | kWordEnd;
+        of[0] = kWordEnd;
+    }
+};
+constexpr ByteClasses kClasses;
+
+bool endsWord(char c) { return (kClasses.of[static_cast<unsigned char>(c)] & kWordEnd) != 0; }
+
 const char* skipSpace(const char* p) {
-    while (isWhiteSpace(*p)) ++p;
+    while ((kClasses.of[static_cast<unsigned char>(*p)] & kSpace) != 0) ++p;
     return p;
 }
 
@@ -35,7 +53,7 @@ const char* plainNumberEnd(const char* p, bool real) {
         while (isDigit(*p)) ++p;
     }
     // A number that runs into a letter or a dot is left to sscanf.
-    if (*p != '\0' && !isWhiteSpace(*p)) return nullptr;
+    if (!endsWord(*p)) return nullptr;
     return p;
 }
 
@@ -59,81 +77,147 @@ double decimalValue(const char* p) {
     return negative ? -value : value;
 }
 
-// A plain token of at most 18 digits can't overflow: what strtol gives.
-long decimalInteger(const char* p) {
+// A plain integer token at p ([+-]digits, at most 18 of them, which can't
+// overflow: what strtol gives) into value; its end, or null when the token
+// is anything else.
+const char* plainInteger(const char* p, long* value) {
     const bool negative = *p == '-';
     if (*p == '+' || *p == '-') ++p;
-    long value = 0;
-    for (; isDigit(*p); ++p) value = value * 10 + (*p - '0');
-    return negative ? -value : value;
-}
-
-int scanDirectly(const char* text, const char* format, va_list arguments) {
-    const char* p = text;
-    int assigned = 0;
-    // Input ran out: -1 before the first assignment, as sscanf says.
-    const auto ended = [&assigned]() { return assigned == 0 ? -1 : assigned; };
-    for (const char* f = format; *f != '\0'; ++f) {
-        if (isWhiteSpace(*f)) {
-            p = skipSpace(p);
-            continue;
-        }
-        if (*f != '%') return kUnsure;
-        ++f;
-        const bool suppress = *f == '*';
-        if (suppress) ++f;
-        int width = 0;
-        while (isDigit(*f)) width = width * 10 + (*f++ - '0');
-        const bool isLong = *f == 'l';
-        if (isLong) ++f;
-        const char conversion = *f;
-        if (conversion == 'c') {
-            if (isLong || width > 1) return kUnsure;
-            if (*p == '\0') return ended();
-            if (!suppress) *va_arg(arguments, char*) = *p, ++assigned;
-            ++p;
-            continue;
-        }
-        p = skipSpace(p);
-        if (*p == '\0') return ended();
-        if (conversion == 's' && !isLong) {
-            const char* start = p;
-            while (*p != '\0' && !isWhiteSpace(*p) && (width == 0 || p - start < width)) ++p;
-            if (!suppress) {
-                char* out = va_arg(arguments, char*);
-                for (const char* q = start; q < p; ++q) *out++ = *q;
-                *out = '\0';
-                ++assigned;
-            }
-        } else if (conversion == 'd' || (conversion == 'f' && isLong)) {
-            const bool real = conversion == 'f';
-            const char* end = plainNumberEnd(p, real);
-            if (end == nullptr || width != 0) return kUnsure;
-            if (!suppress) {
-                if (real) *va_arg(arguments, double*) = decimalValue(p);
-                else if (isLong) *va_arg(arguments, long*) = decimalInteger(p);
-                else *va_arg(arguments, int*) = static_cast<int>(decimalInteger(p));
-                ++assigned;
-            }
-            p = end;
-        } else {
-            return kUnsure;
-        }
-    }
-    return assigned;
+    const char* digits = p;
+    unsigned long long magnitude = 0;
+    for (; isDigit(*p); ++p) magnitude = magnitude * 10 + static_cast<unsigned>(*p - '0');
+    // A value beyond long (32 bits on some systems) is left to sscanf.
+    if (p == digits || p - digits > 18 || !endsWord(*p) || magnitude > LONG_MAX) return nullptr;
+    *value = negative ? -static_cast<long>(magnitude) : static_cast<long>(magnitude);
+    return p;
 }
 
 }  // namespace
 
-int scanRecord(const char* text, const char* format, ...) {
-    va_list arguments;
-    va_start(arguments, format);
-    int result = scanDirectly(text, format, arguments);
-    va_end(arguments);
+RecordFormat::RecordFormat(const char* format, std::uint32_t unusedValues) : format_(format) {
+    int assignedField = 0;
+    for (const char* f = format; direct_ && *f != '\0'; ++f) {
+        if (stepCount_ == kMaxSteps) {
+            direct_ = false;
+            break;
+        }
+        Step& step = steps_[stepCount_];
+        if (isWhiteSpace(*f)) {
+            // A run of white space is one directive, and one that stands
+            // before a conversion skipping blanks anyway is left out.
+            while (isWhiteSpace(f[1])) ++f;
+            const char* next = f[1] == '%' ? f + 2 : nullptr;
+            if (next != nullptr && *next == '*') ++next;
+            while (next != nullptr && isDigit(*next)) ++next;
+            if (next != nullptr && *next == 'l') ++next;
+            if (next == nullptr || *next == 'c' || *next == '\0') {
+                step = {Kind::Blank, false, false, 0};
+                ++stepCount_;
+            }
+            continue;
+        }
+        if (*f != '%') {
+            direct_ = false;
+            break;
+        }
+        ++f;
+        step.store = *f != '*';
+        if (!step.store) ++f;
+        int width = 0;
+        while (isDigit(*f) && width < 100000) width = width * 10 + (*f++ - '0');
+        const bool isLong = *f == 'l';
+        if (isLong) ++f;
+        switch (*f) {
+            case 's': step.kind = Kind::Word; direct_ = !isLong && width < 100000; break;
+            case 'c': step.kind = Kind::Character; direct_ = !isLong && width <= 1; break;
+            case 'd': step.kind = isLong ? Kind::Long : Kind::Int; direct_ = width == 0; break;
+            case 'f': step.kind = Kind::Real; direct_ = isLong && width == 0; break;
+            default: direct_ = false; break;
+        }
+        step.width = width == 0 ? INT32_MAX : width;
+        step.convert = step.store;
+        if (step.store) {
+            if (assignedField < 32 && (unusedValues >> assignedField & 1U) != 0) step.convert = false;
+            ++assignedField;
+        }
+        ++stepCount_;
+    }
+}
+
+int RecordFormat::scan(const char* text, ...) const {
+    int result = kUnsure;
+    std::va_list arguments;
+    if (direct_) {
+        va_start(arguments, text);
+        result = scanDirectly(text, arguments);
+        va_end(arguments);
+    }
     if (result == kUnsure) {
-        va_start(arguments, format);
-        result = std::vsscanf(text, format, arguments);
+        va_start(arguments, text);
+        result = std::vsscanf(text, format_, arguments);
         va_end(arguments);
     }
     return result;
+}
+
+int RecordFormat::scanDirectly(const char* text, std::va_list arguments) const {
+    const char* p = text;
+    int assigned = 0;
+    // Input ran out: -1 before the first assignment, as sscanf says.
+    const int ended = -1;
+    for (int s = 0; s < stepCount_; ++s) {
+        const Step& step = steps_[s];
+        if (step.kind == Kind::Blank) {
+            p = skipSpace(p);
+            continue;
+        }
+        if (step.kind == Kind::Character) {
+            // No blanks skipped: "%c" takes a blank too.
+            if (*p == '\0') return assigned == 0 ? ended : assigned;
+            if (step.store) *va_arg(arguments, char*) = *p, ++assigned;
+            ++p;
+            continue;
+        }
+        p = skipSpace(p);
+        if (*p == '\0') return assigned == 0 ? ended : assigned;
+        if (step.kind == Kind::Word) {
+            std::int32_t room = step.width;
+            if (step.store) {
+                char* out = va_arg(arguments, char*);
+                while (room-- > 0 && !endsWord(*p)) *out++ = *p++;
+                *out = '\0';
+                ++assigned;
+            } else {
+                while (room-- > 0 && !endsWord(*p)) ++p;
+            }
+            continue;
+        }
+        if (step.kind == Kind::Real) {
+            const char* end = plainNumberEnd(p, true);
+            if (end == nullptr) return kUnsure;
+            if (step.store) {
+                // The area is taken even when its value is not wanted.
+                double* out = va_arg(arguments, double*);
+                if (step.convert) *out = decimalValue(p);
+                ++assigned;
+            }
+            p = end;
+            continue;
+        }
+        long value = 0;
+        const char* end = plainInteger(p, &value);
+        if (end == nullptr) return kUnsure;
+        if (step.store) {
+            if (step.kind == Kind::Long) {
+                long* out = va_arg(arguments, long*);
+                if (step.convert) *out = value;
+            } else {
+                int* out = va_arg(arguments, int*);
+                if (step.convert) *out = static_cast<int>(value);
+            }
+            ++assigned;
+        }
+        p = end;
+    }
+    return assigned;
 }

@@ -1,0 +1,53 @@
+// TextOutput: the bytes of the VRN file gathered in a large buffer and
+// handed to the stream in big writes, instead of a stdio call for every
+// piece of a line. The stream (text mode) still makes the line ends.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+class TextOutput {
+public:
+    explicit TextOutput(std::FILE* stream) : stream_(stream), buffer_(new char[kSize]) {}
+    TextOutput(const TextOutput&) = delete;
+    TextOutput& operator=(const TextOutput&) = delete;
+    ~TextOutput() { flush(); }
+
+    void put(const char* text, std::size_t length) {
+        if (length > kSize - used_) {
+            flush();
+            if (length > kSize) {
+                std::fwrite(text, 1, length, stream_);
+                return;
+            }
+        }
+        std::memcpy(buffer_.get() + used_, text, length);
+        used_ += length;
+    }
+    void put(const char* text) { put(text, std::strlen(text)); }
+    void put(char c) {
+        if (used_ == kSize) flush();
+        buffer_[used_++] = c;
+    }
+    // count blanks; none when count is not positive.
+    void blanks(std::int64_t count);
+    // "%-Ns": the text, then blanks up to width; a longer text is never cut.
+    void padded(const char* text, std::int64_t width) {
+        const std::size_t length = std::strlen(text);
+        put(text, length);
+        blanks(width - static_cast<std::int64_t>(length));
+    }
+    // A printf-formatted piece, for the rare lines that need one.
+    void print(const char* format, ...);
+    // Everything gathered so far goes to the stream.
+    void flush();
+
+private:
+    static constexpr std::size_t kSize = 64 * 1024;
+    std::FILE* stream_;
+    std::unique_ptr<char[]> buffer_;
+    std::size_t used_ = 0;
+};

@@ -1,0 +1,37 @@
+// LinePieces: a job file's text as repeated fgets(area, kLineArea, file)
+// would give it: each piece runs through the next line feed, or is 2047
+// bytes long, or ends with the file. The file is read in large blocks and
+// each piece is handed out where it lies, terminated in place, instead of
+// being copied line by line through stdio.
+#pragma once
+
+#include <cstddef>
+#include <cstdio>
+#include <memory>
+
+class LinePieces {
+public:
+    // The longest piece: a line area of 2048 bytes less the terminator.
+    static constexpr std::size_t kLongest = 2047;
+
+    // Reads from file from now on (null: no more pieces); the file stays
+    // the caller's.
+    void attach(std::FILE* file);
+    // The next piece, zero-terminated, valid until the next call; a zero
+    // byte within the line ends its text early, as it does for fgets. Null
+    // once the file is read to its end or can't be read any further.
+    const char* next();
+
+private:
+    static constexpr std::size_t kBlock = 256 * 1024;
+
+    void refill();
+
+    std::FILE* file_ = nullptr;
+    std::unique_ptr<char[]> block_;
+    std::size_t begin_ = 0;  // the next piece
+    std::size_t end_ = 0;    // the end of the bytes read
+    bool fileDone_ = true;
+    char* terminator_ = nullptr;  // where the last piece was cut, and
+    char cutByte_ = 0;            // the byte that stood there
+};
