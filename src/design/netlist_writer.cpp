@@ -29,6 +29,15 @@
 
 namespace {
 
+// A hint to the cache that address will be read soon; never a fault.
+inline void prefetch(const void* address) {
+#if defined(__GNUC__) || defined(__clang__)
+    __builtin_prefetch(address);
+#else
+    static_cast<void>(address);
+#endif
+}
+
 // The blanks behind a net name on its first line: from the name's length up
 // to W, none when the name is W long or longer.
 void writeNameFill(TextOutput& out, std::int32_t nameLength, std::int32_t longestNetName) {
@@ -37,51 +46,106 @@ void writeNameFill(TextOutput& out, std::int32_t nameLength, std::int32_t longes
 
 }  // namespace
 
-const char* stripPinPrefix(const char* refdes, const char* pinText) {
-    const std::size_t r = std::strlen(refdes);
-    const std::size_t p = std::strlen(pinText);
-    if (r > p) return nullptr;
-    if (pinText[r] != '-') return nullptr;
-    // The characters before position r are not compared, on purpose.
-    return std::strchr(pinText, '-') + 1;
+const char* stripPinPrefix(std::size_t refdesLength, const char* pinText, std::size_t pinLength) {
+    if (refdesLength >= pinLength || pinText[refdesLength] != '-') return nullptr;
+    // The characters before that position are not compared, on purpose.
+    return static_cast<const char*>(std::memchr(pinText, '-', pinLength)) + 1;
 }
 
 NetlistLookup::NetlistLookup(Design& design) {
     const std::size_t count = static_cast<std::size_t>(design.components.itemCount());
     numberLimit_ = 2 * count + 16;
-    byNumber_[0].assign(numberLimit_, -1);
-    byNumber_[1].assign(numberLimit_, -1);
-    components_.reserve(count);
-    // Offsets first: texts_ grows while it is filled.
-    std::vector<std::size_t> refdesOffsets;
-    std::vector<std::size_t> pinTextOffsets;
-    const auto keep = [this](const TextString& text) {
-        const std::size_t offset = texts_.size();
-        texts_.insert(texts_.end(), text.text(), text.text() + text.length() + 1);
-        return offset;
-    };
-    std::int32_t i = 0;
+    parts_.reserve(count);
+    // Room for components of some 15 pins on average: capacity that is never
+    // touched costs address space only, and a move of the blocks is saved.
+    blocks_.reserve(count * 48);
+    std::size_t i = 0;
     for (auto* node = design.components.head; node != nullptr; node = node->next, ++i) {
         const Part* part = node->item;
-        refdesOffsets.push_back(keep(part->refdes));
-        components_.push_back({part, nullptr, part->pins.itemCount(), part->packageIndex, pinTextOffsets.size()});
-        for (auto* pin = part->pins.head; pin != nullptr; pin = pin->next) {
-            pinTextOffsets.push_back(keep(pin->item->pinText));
-        }
+        parts_.push_back(part);
         int side = 0;
         std::size_t number = 0;
         if (numberedKey(part->text(), &side, &number)) {
-            if (byNumber_[side][number] < 0) byNumber_[side][number] = i;
+            std::vector<std::uint32_t>& slots = byNumber_[side];
+            // The readers number each side from 0: the slots grow with them.
+            if (number >= slots.size()) slots.resize(number + 1, kNone);
+            if (slots[number] == kNone) slots[number] = addBlock(*part, i);
         } else {
-            otherKeys_.emplace(part->text(), i);  // the first keeps its key
+            // The first keeps its key; the others get no block at all.
+            const auto added = otherKeys_.try_emplace(part->text(), kNone);
+            if (added.second) added.first->second = addBlock(*part, i);
         }
     }
-    for (std::size_t c = 0; c < components_.size(); ++c) components_[c].refdes = texts_.data() + refdesOffsets[c];
-    pinTexts_.reserve(pinTextOffsets.size());
-    for (const std::size_t offset : pinTextOffsets) pinTexts_.push_back(texts_.data() + offset);
     for (auto* node = design.packages.head; node != nullptr; node = node->next) {
-        packages_.push_back(node->item);
+        packagePins_.push_back(node->item->pins.itemCount());
     }
+    aheadNet_ = design.nets.head;
+    while (aheadNet_ != nullptr && aheadNet_->item->pins.head == nullptr) aheadNet_ = aheadNet_->next;
+    if (aheadNet_ != nullptr) aheadPin_ = aheadNet_->item->pins.head;
+    for (std::size_t step = 0; step < 2 * kAhead; ++step) prefetchAhead();
+}
+
+void NetlistLookup::prefetchAhead() {
+    Waiting& waiting = waiting_[waitingAt_];
+    if (waiting.slot != nullptr && *waiting.slot != kNone) {
+        const std::uint32_t* block = blocks_.data() + *waiting.slot;
+        prefetch(block);
+        const std::size_t entry = Component::kPinTexts + static_cast<std::uint32_t>(waiting.pinIndex);
+        // Pin index checks come later: an entry outside the block is only not fetched.
+        if (entry < blocks_.size() - *waiting.slot) prefetch(block + entry);
+    }
+    waiting.slot = nullptr;
+    if (aheadPin_ != nullptr) {
+        const NetPin* pin = aheadPin_->item;
+        int side = 0;
+        std::size_t number = 0;
+        if (numberedKey(pin->key.text(), &side, &number) && number < byNumber_[side].size()) {
+            waiting.slot = &byNumber_[side][number];
+            waiting.pinIndex = pin->pinIndex;
+            prefetch(waiting.slot);
+        }
+        aheadPin_ = aheadPin_->next;
+        while (aheadPin_ == nullptr && aheadNet_ != nullptr) {
+            aheadNet_ = aheadNet_->next;
+            if (aheadNet_ != nullptr) aheadPin_ = aheadNet_->item->pins.head;
+        }
+    }
+    waitingAt_ = (waitingAt_ + 1) % kAhead;
+}
+
+std::uint32_t NetlistLookup::addBlock(const Part& part, std::size_t componentIndex) {
+    const std::size_t start = blocks_.size();
+    const std::size_t pinCount = static_cast<std::size_t>(part.pins.itemCount());
+    const std::size_t refdesLength = static_cast<std::size_t>(part.refdes.length());
+    const std::size_t textsFrom = (Component::kPinTexts + pinCount + 1) * sizeof(std::uint32_t);
+    std::size_t bytes = textsFrom + refdesLength + 1;
+    for (auto* pin = part.pins.head; pin != nullptr; pin = pin->next) {
+        bytes += static_cast<std::size_t>(pin->item->pinText.length()) + 1;
+    }
+    const std::size_t words = (bytes + sizeof(std::uint32_t) - 1) / sizeof(std::uint32_t);
+    // Offsets are 4 bytes: a model too large for them fails the write as an
+    // allocation failure does.
+    if (bytes > kNone || start + words >= kNone) throw std::bad_alloc();
+    blocks_.resize(start + words);
+    std::uint32_t* block = blocks_.data() + start;
+    char* base = reinterpret_cast<char*>(block);
+    block[Component::kPinCount] = static_cast<std::uint32_t>(pinCount);
+    block[Component::kPackageIndex] = static_cast<std::uint32_t>(part.packageIndex);
+    block[Component::kComponentIndex] = static_cast<std::uint32_t>(componentIndex);
+    std::size_t offset = textsFrom;
+    block[Component::kRefdes] = static_cast<std::uint32_t>(offset);
+    std::memcpy(base + offset, part.refdes.text(), refdesLength + 1);
+    offset += refdesLength + 1;
+    std::size_t k = Component::kPinTexts;
+    for (auto* pin = part.pins.head; pin != nullptr; pin = pin->next, ++k) {
+        const TextString& text = pin->item->pinText;
+        const std::size_t length = static_cast<std::size_t>(text.length());
+        block[k] = static_cast<std::uint32_t>(offset);
+        std::memcpy(base + offset, text.text(), length + 1);
+        offset += length + 1;
+    }
+    block[k] = static_cast<std::uint32_t>(offset);
+    return static_cast<std::uint32_t>(start);
 }
 
 bool NetlistLookup::numberedKey(const char* key, int* side, std::size_t* number) const {
@@ -100,27 +164,19 @@ bool NetlistLookup::numberedKey(const char* key, int* side, std::size_t* number)
     return true;
 }
 
-const NetlistLookup::Component* NetlistLookup::componentByKey(const TextString& key) const {
+bool NetlistLookup::componentByKey(const TextString& key, Component* component) const {
     int side = 0;
     std::size_t number = 0;
-    std::int32_t index = -1;
+    std::uint32_t start = kNone;
     if (numberedKey(key.text(), &side, &number)) {
-        index = byNumber_[side][number];
+        if (number < byNumber_[side].size()) start = byNumber_[side][number];
     } else {
         const auto found = otherKeys_.find(key.text());
-        if (found != otherKeys_.end()) index = found->second;
+        if (found != otherKeys_.end()) start = found->second;
     }
-    return index < 0 ? nullptr : &components_[static_cast<std::size_t>(index)];
-}
-
-Part* NetlistLookup::packageAt(std::int32_t index) const {
-    if (index < 0 || static_cast<std::size_t>(index) >= packages_.size()) abnormalEnd();
-    return packages_[static_cast<std::size_t>(index)];
-}
-
-void NetlistLookup::checkPackagePin(Part* package, std::int32_t pinIndex) {
-    // The package pin is fetched only for its range: the pin itself is unused.
-    if (pinIndex < 0 || pinIndex >= package->pins.itemCount()) abnormalEnd();
+    if (start == kNone) return false;
+    *component = Component(blocks_.data() + start);
+    return true;
 }
 
 void writeNetPins(NetPinList& pins, TextOutput& out, Design& design, std::int32_t nameLength,
@@ -135,29 +191,41 @@ void writeNetPins(NetPinList& pins, TextOutput& out, Design& design, std::int32_
     bool pinOk = true;
     bool packageCarried = false;
     std::int32_t carriedPackageIndex = 0;
-    const char* carriedPinText = nullptr;
+    const char* carriedPinText = "";
+    std::size_t carriedPinLength = 0;
     for (std::int32_t i = 0; i < n; ++i) {
         NetPin* pin = pins.itemAt(i);
+        lookup.prefetchAhead();
         const char* refdes = "";
-        if (const NetlistLookup::Component* component = lookup.componentByKey(pin->key)) {
-            refdes = component->refdes;
-            carriedPackageIndex = component->packageIndex;
+        std::size_t refdesLength = 0;
+        NetlistLookup::Component component;
+        if (lookup.componentByKey(pin->key, &component)) {
+            refdes = component.refdes();
+            refdesLength = component.refdesLength();
+            carriedPackageIndex = component.packageIndex();
             packageCarried = true;
-            if (!(pin->pinIndex < component->pinCount)) {
-                const char* key = component->part->text();
+            if (!(pin->pinIndex < component.pinCount())) {
+                const char* key = lookup.componentKey(component);
                 out.print("\t! ERR: Component(\"%s\"), Pin (\"%d\") not found.\n", key, pin->pinIndex);
                 std::printf("ERR: Component(\"%s\"), Pin (\"%d\") not found.\n", key, pin->pinIndex);
                 pinOk = false;
             } else {
-                carriedPinText = lookup.pinText(*component, pin->pinIndex);
+                NetlistLookup::checkPinIndex(pin->pinIndex);
+                carriedPinText = component.pinText(pin->pinIndex);
+                carriedPinLength = component.pinTextLength(pin->pinIndex);
             }
         }
         // Before the first resolved pin nothing is carried: no package to fetch.
-        Part* package = packageCarried ? lookup.packageAt(carriedPackageIndex) : nullptr;
+        const std::int32_t packagePins = packageCarried ? lookup.packagePinCount(carriedPackageIndex) : 0;
         if (pinOk) {
-            if (package != nullptr) lookup.checkPackagePin(package, pin->pinIndex);
-            const char* pinText = carriedPinText != nullptr ? carriedPinText : "";
-            const char* stripped = stripPinPrefix(refdes, pinText);
+            // The package pin is fetched only for its range: the pin itself is unused.
+            if (packageCarried && (pin->pinIndex < 0 || pin->pinIndex >= packagePins)) abnormalEnd();
+            const char* shown = carriedPinText;
+            std::size_t shownLength = carriedPinLength;
+            if (const char* stripped = stripPinPrefix(refdesLength, carriedPinText, carriedPinLength)) {
+                shownLength -= static_cast<std::size_t>(stripped - shown);
+                shown = stripped;
+            }
             if (i == 0) {
                 writeNameFill(out, nameLength, longest);
             } else {
@@ -165,9 +233,9 @@ void writeNetPins(NetPinList& pins, TextOutput& out, Design& design, std::int32_
                 out.blanks(static_cast<std::int64_t>(longest) + 5);
             }
             // "%-16s  %s\n", with ";" before the line end on the last pin.
-            out.padded(refdes, 16);
+            out.padded(refdes, refdesLength, 16);
             out.put("  ", 2);
-            out.put(stripped != nullptr ? stripped : pinText);
+            out.put(shown, shownLength);
             if (i == n - 1) out.put(";\n", 2);
             else out.put('\n');
         }

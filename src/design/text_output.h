@@ -35,8 +35,8 @@ public:
     // count blanks; none when count is not positive.
     void blanks(std::int64_t count);
     // "%-Ns": the text, then blanks up to width; a longer text is never cut.
-    void padded(const char* text, std::int64_t width) {
-        const std::size_t length = std::strlen(text);
+    void padded(const char* text, std::int64_t width) { padded(text, std::strlen(text), width); }
+    void padded(const char* text, std::size_t length, std::int64_t width) {
         put(text, length);
         blanks(width - static_cast<std::int64_t>(length));
     }
