@@ -23,7 +23,7 @@ public:
     const char* next();
 
 private:
-    static constexpr std::size_t kBlock = 256 * 1024;
+    static constexpr std::size_t kBlock = 64 * 1024;
 
     void refill();
 
