@@ -25,6 +25,7 @@
 #include <new>
 
 #include "design/design.h"
+#include "design/vrn_file.h"
 #include "frame/banner.h"
 
 namespace {
@@ -289,8 +290,8 @@ void Design::writePartList(TextOutput& out) {
 }
 
 bool Design::writeNetlistFile(const char* path, TextString& designName) {
-    std::FILE* stream = std::fopen(path, "w");
-    if (stream == nullptr) return false;
+    VrnFile file;
+    if (!file.open(path)) return false;
     try {
         makeNameSafe(designName);
         if (compareIgnoringCase(designName.text(), "NETLIST") == 0 ||
@@ -301,7 +302,7 @@ bool Design::writeNetlistFile(const char* path, TextString& designName) {
         }
         NetlistLookup lookup(*this);
         // What was gathered goes to the stream also when an allocation fails.
-        TextOutput out(stream);
+        TextOutput out(file.stream());
         out.print("DESIGN\t%s\n\n", designName.text());
         out.print("! Netlist Converter %s --> Vrn, version %s\n", kProgramTitle, kVersionNumber);
         out.print("! Copyright (c) 2004-2023 %s. All rights reserved.\n", kRightsHolder);
@@ -310,10 +311,13 @@ bool Design::writeNetlistFile(const char* path, TextString& designName) {
         out.put('\n');
         writeNetlistSection(nets, out, lookup);
         out.put("\nEND_DESIGN\n");
+        out.flush();
+        if (out.failed()) file.writeFailed();
     } catch (...) {
         // Left unfinished and open, as an allocation failure leaves it.
+        file.keepUnfinished();
         return false;
     }
-    std::fclose(stream);
-    return true;
+    // A file that could not be written whole is removed.
+    return file.finish();
 }

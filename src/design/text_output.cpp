@@ -3,6 +3,8 @@
 #include <cstdarg>
 #include <vector>
 
+#include "platform/platform.h"
+
 void TextOutput::blanks(std::int64_t count) {
     static const char kBlanks[] = "                                                                ";
     constexpr std::int64_t kRun = sizeof kBlanks - 1;
@@ -32,6 +34,7 @@ void TextOutput::print(const char* format, ...) {
 }
 
 void TextOutput::flush() {
-    if (used_ > 0) std::fwrite(buffer_.get(), 1, used_, stream_);
+    if (used_ > 0 && std::fwrite(buffer_.get(), 1, used_, stream_) != used_) failed_ = true;
     used_ = 0;
+    platform::stopIfInterrupted();
 }

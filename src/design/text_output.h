@@ -1,6 +1,7 @@
 // TextOutput: the bytes of the VRN file gathered in a large buffer and
 // handed to the stream in big writes, instead of a stdio call for every
-// piece of a line. The stream (text mode) still makes the line ends.
+// piece of a line. The stream (text mode) still makes the line ends. Every
+// write is checked: a file that missed a byte must not pass for complete.
 #pragma once
 
 #include <cstddef>
@@ -20,7 +21,7 @@ public:
         if (length > kSize - used_) {
             flush();
             if (length > kSize) {
-                std::fwrite(text, 1, length, stream_);
+                if (std::fwrite(text, 1, length, stream_) != length) failed_ = true;
                 return;
             }
         }
@@ -42,12 +43,16 @@ public:
     }
     // A printf-formatted piece, for the rare lines that need one.
     void print(const char* format, ...);
-    // Everything gathered so far goes to the stream.
+    // Everything gathered so far goes to the stream. A run that was
+    // interrupted stops here, at the latest after one buffer.
     void flush();
+    // True once a write to the stream fell short (a full disk, an I/O error).
+    bool failed() const { return failed_; }
 
 private:
     static constexpr std::size_t kSize = 64 * 1024;
     std::FILE* stream_;
     std::unique_ptr<char[]> buffer_;
     std::size_t used_ = 0;
+    bool failed_ = false;
 };

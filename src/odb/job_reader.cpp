@@ -20,12 +20,16 @@ TextString JobReader::componentsPath(const char* layerName) const {
 }
 
 std::int32_t JobReader::readJob() {
+    // Between the files, with none of them open, an interrupted run can stop.
     if (readMatrix() != 0) return 1;
+    platform::stopIfInterrupted();
     if (readEdaData() != 0) return 1;
+    platform::stopIfInterrupted();
     static const char kTop[] = "comp_+_top";
     static const char kBottom[] = "comp_+_bot";
     // A missing top file is accepted; a missing bottom file is not.
     if (fileExists(componentsPath(kTop)) == 0 && readComponents(TextString(kTop)) != 0) return 1;
+    platform::stopIfInterrupted();
     if (fileExists(componentsPath(kBottom)) != 0) return 1;
     if (readComponents(TextString(kBottom)) != 0) return 1;
     std::printf("Number of net(s):%d\n", design.nets.itemCount());

@@ -60,6 +60,19 @@ std::FILE* openJobFile(const char* path);
 // a fault per small page costs more than filling it). Null on failure.
 void* allocateBulkMemory(std::size_t size);
 
+// --- The temporary folder -------------------------------------------------
+
+// A number from the system's random source (getrandom, rand_s), so that runs
+// started together draw different names; where the source fails, the
+// high-resolution clock mixed with the process id.
+std::uint32_t randomNumber();
+
+enum class DirectoryCreation { kCreated, kExists, kFailed };
+
+// CreateDirectoryA: makes the directory, and fails with kExists when the
+// name is taken, so that a run claims its folder before anything fills it.
+DirectoryCreation createDirectory(const char* path);
+
 // --- Directory search: FindFirstFileA / FindNextFileA / FindClose --------
 
 constexpr std::uint32_t kAttributeReadOnly = 0x01;   // FILE_ATTRIBUTE_READONLY
@@ -135,5 +148,22 @@ bool processExitCode(ProcessHandle* process, std::uint32_t* code);
 // CloseHandle on both handles. A process that was never waited for may stay
 // a zombie until the program ends.
 void closeProcess(ProcessHandle* process);
+
+// --- Interruption: SIGINT, SIGTERM, SIGHUP; Ctrl-C, Ctrl-Break, console close
+//
+// The handler only records the first interruption and stops every process
+// started here (each has a process group of its own, or sits in the run's
+// job object, and dies with the program even when it is killed hard). The
+// clean-up runs in ordinary code, at stopIfInterrupted. A second
+// interruption ends the program at once.
+
+// Installs the handlers; cleanUp(context) is what stopIfInterrupted runs.
+// A null cleanUp leaves nothing to clean up.
+void handleInterruptions(void (*cleanUp)(void*), void* context);
+
+// A point where the run can stop: after an interruption, runs the clean-up,
+// then ends the program as the signal would have (a shell sees 128 + the
+// signal; on Windows the code of a program stopped by Ctrl-C).
+void stopIfInterrupted();
 
 }  // namespace platform

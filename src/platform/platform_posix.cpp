@@ -6,18 +6,20 @@
 #include <dirent.h>
 #include <errno.h>
 #include <fcntl.h>
-#include <spawn.h>
+#include <signal.h>
 #include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/random.h>
 #include <sys/stat.h>
 #include <sys/types.h>
 #include <sys/wait.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdlib>
 #include <cstring>
-
-extern char** environ;
 
 namespace platform {
 
@@ -279,7 +281,104 @@ bool removeDirectory(const char* path) {
     return retryInWritableParent(path, rmdir);
 }
 
+// --- The temporary folder ---------------------------------------------------
+
+std::uint32_t randomNumber() {
+    std::uint32_t value = 0;
+    if (getrandom(&value, sizeof value, GRND_NONBLOCK) == static_cast<ssize_t>(sizeof value)) return value;
+    // No random source yet (early boot, an old kernel): the clock's
+    // nanoseconds and the process id still differ between runs started
+    // together; a counter keeps successive draws apart.
+    static std::uint64_t draws = 0;
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    std::uint64_t mixed = static_cast<std::uint64_t>(now.tv_nsec) ^ (static_cast<std::uint64_t>(now.tv_sec) << 30) ^
+                          (static_cast<std::uint64_t>(getpid()) << 40);
+    mixed += 0x9E3779B97F4A7C15ull * ++draws;
+    mixed = (mixed ^ (mixed >> 30)) * 0xBF58476D1CE4E5B9ull;
+    mixed = (mixed ^ (mixed >> 27)) * 0x94D049BB133111EBull;
+    return static_cast<std::uint32_t>((mixed ^ (mixed >> 31)) >> 16);
+}
+
+DirectoryCreation createDirectory(const char* path) {
+    // Owner only: the unpacked job is nobody else's business in a shared TMP.
+    if (mkdir(path, 0700) == 0) return DirectoryCreation::kCreated;
+    return errno == EEXIST ? DirectoryCreation::kExists : DirectoryCreation::kFailed;
+}
+
 // --- Processes ---------------------------------------------------------------
+
+namespace {
+
+// The processes started and not yet reaped, each the leader of its own
+// process group, for the signal handler to stop. Probes are never reaped and
+// stay listed; as zombies their ids can't be reused.
+constexpr int kChildSlots = 32;
+std::atomic<pid_t> children[kChildSlots];
+
+void listChild(pid_t pid) {
+    for (std::atomic<pid_t>& slot : children) {
+        pid_t free = 0;
+        if (slot.compare_exchange_strong(free, pid)) return;
+    }
+}
+
+void unlistChild(pid_t pid) {
+    for (std::atomic<pid_t>& slot : children) {
+        pid_t listed = pid;
+        if (slot.compare_exchange_strong(listed, 0)) return;
+    }
+}
+
+const int kInterruptions[] = {SIGINT, SIGTERM, SIGHUP};
+
+// The places a bare program name is tried, in PATH order, as posix_spawnp
+// tries them. Built before the fork, so the child only calls exec.
+std::vector<std::string> programCandidates(const std::string& program) {
+    if (program.find('/') != std::string::npos) return {program};
+    const char* searchPath = std::getenv("PATH");
+    const std::string list = searchPath != nullptr ? searchPath : "/bin:/usr/bin";
+    std::vector<std::string> candidates;
+    std::size_t begin = 0;
+    for (;;) {
+        const std::size_t end = list.find(':', begin);
+        std::string directory = list.substr(begin, end == std::string::npos ? std::string::npos : end - begin);
+        candidates.push_back(directory.empty() ? program : directory + "/" + program);
+        if (end == std::string::npos) break;
+        begin = end + 1;
+    }
+    return candidates;
+}
+
+// The child's side of startProcess: async-signal-safe calls only. Returns
+// the errno of the failed start.
+int becomeProgram(pid_t parent, const std::vector<std::string>& candidates, char* const* argv,
+                  const sigset_t& callerMask) {
+    setpgid(0, 0);
+    // Killed with the converter, even by SIGKILL, so that 7-Zip can't go on
+    // filling TMP for minutes.
+    if (prctl(PR_SET_PDEATHSIG, SIGKILL) != 0 || getppid() != parent) return ESRCH;
+    struct sigaction standard {};
+    standard.sa_handler = SIG_DFL;
+    for (const int signal : kInterruptions) sigaction(signal, &standard, nullptr);
+    sigprocmask(SIG_SETMASK, &callerMask, nullptr);
+    // The hidden console: the tool's streams go nowhere.
+    const int nowhere = open("/dev/null", O_RDWR);
+    if (nowhere < 0) return errno;
+    for (int stream = 0; stream < 3; ++stream) dup2(nowhere, stream);
+    if (nowhere > 2) close(nowhere);
+    // As posix_spawnp: a candidate that is missing or not ours to run sends
+    // the search on; any other failure ends it.
+    int failure = ENOENT;
+    for (const std::string& candidate : candidates) {
+        execv(candidate.c_str(), argv);
+        if (errno != EACCES && errno != ENOENT && errno != ENOTDIR && errno != ESTALE) return errno;
+        if (errno == EACCES || failure != EACCES) failure = errno;
+    }
+    return failure;
+}
+
+}  // namespace
 
 bool startProcess(const char* commandLine, ProcessHandle* process) {
     const std::vector<std::string> arguments = splitCommandLine(commandLine);
@@ -287,20 +386,46 @@ bool startProcess(const char* commandLine, ProcessHandle* process) {
     std::vector<char*> argv;
     for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
     argv.push_back(nullptr);
+    const std::vector<std::string> candidates = programCandidates(arguments[0]);
 
-    // The hidden console: the tool's streams go nowhere.
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
-    pid_t pid = 0;
-    // posix_spawnp reports a failed exec, as CreateProcessA does.
-    const int status = posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    if (status != 0) return false;
+    // A failed exec is reported through a pipe that a successful one closes,
+    // as CreateProcessA reports a program that can't start.
+    int report[2];
+    if (pipe2(report, O_CLOEXEC) != 0) return false;
+    // No interruption between the start and the listing: the handler must
+    // know every process it has to stop.
+    sigset_t interruptions;
+    sigset_t callerMask;
+    sigemptyset(&interruptions);
+    for (const int signal : kInterruptions) sigaddset(&interruptions, signal);
+    sigprocmask(SIG_BLOCK, &interruptions, &callerMask);
+    const pid_t parent = getpid();
+    const pid_t pid = fork();
+    if (pid == 0) {
+        const int failure = becomeProgram(parent, candidates, argv.data(), callerMask);
+        (void)!write(report[1], &failure, sizeof failure);
+        _exit(127);
+    }
+    if (pid > 0) {
+        setpgid(pid, pid);  // also here: the handler may stop the group before the child has made it
+        listChild(pid);
+    }
+    sigprocmask(SIG_SETMASK, &callerMask, nullptr);
+    close(report[1]);
+    int failure = 0;
+    ssize_t got;
+    do {
+        got = read(report[0], &failure, sizeof failure);
+    } while (got < 0 && errno == EINTR);
+    close(report[0]);
+    if (pid < 0) return false;
     *process = ProcessHandle();
     process->id = pid;
+    if (got > 0) {
+        waitForProcess(process);
+        *process = ProcessHandle();
+        return false;
+    }
     return true;
 }
 
@@ -312,6 +437,7 @@ void waitForProcess(ProcessHandle* process) {
         result = waitpid(static_cast<pid_t>(process->id), &status, 0);
     } while (result < 0 && errno == EINTR);
     if (result == static_cast<pid_t>(process->id)) {
+        unlistChild(static_cast<pid_t>(process->id));
         // The pid is reaped here, so its code is kept in the handle.
         process->ended = true;
         process->exitCode = static_cast<std::uint32_t>(
@@ -326,5 +452,63 @@ bool processExitCode(ProcessHandle* process, std::uint32_t* code) {
 }
 
 void closeProcess(ProcessHandle* process) { *process = ProcessHandle(); }
+
+// --- Interruption ------------------------------------------------------------
+
+namespace {
+
+volatile sig_atomic_t recordedSignal = 0;
+void (*cleanUpAction)(void*) = nullptr;
+void* cleanUpContext = nullptr;
+
+[[noreturn]] void endBySignal(int signal) {
+    struct sigaction standard {};
+    standard.sa_handler = SIG_DFL;
+    sigaction(signal, &standard, nullptr);
+    sigset_t only;
+    sigemptyset(&only);
+    sigaddset(&only, signal);
+    sigprocmask(SIG_UNBLOCK, &only, nullptr);
+    raise(signal);
+    _exit(128 + signal);  // not reached: the default action ends the process
+}
+
+void onInterruption(int signal) {
+    if (recordedSignal != 0) endBySignal(signal);  // a second one: no clean-up
+    recordedSignal = signal;
+    for (std::atomic<pid_t>& slot : children) {
+        const pid_t pid = slot.load();
+        if (pid > 0) kill(-pid, SIGKILL);
+    }
+}
+
+}  // namespace
+
+void handleInterruptions(void (*cleanUp)(void*), void* context) {
+    cleanUpAction = cleanUp;
+    cleanUpContext = context;
+    struct sigaction action {};
+    action.sa_handler = onInterruption;
+    // No SA_RESTART: a wait for the step number on standard input ends, and
+    // the run reaches its next stop.
+    action.sa_flags = 0;
+    sigemptyset(&action.sa_mask);
+    for (const int signal : kInterruptions) sigaddset(&action.sa_mask, signal);
+    for (const int signal : kInterruptions) {
+        // A signal ignored from the start stays ignored: nohup and a
+        // background job of a script rely on it.
+        struct sigaction current {};
+        if (sigaction(signal, nullptr, &current) == 0 && current.sa_handler == SIG_IGN) continue;
+        sigaction(signal, &action, nullptr);
+    }
+}
+
+void stopIfInterrupted() {
+    const int signal = recordedSignal;
+    if (signal == 0) return;
+    if (cleanUpAction != nullptr) cleanUpAction(cleanUpContext);
+    std::fflush(stdout);
+    endBySignal(signal);
+}
 
 }  // namespace platform

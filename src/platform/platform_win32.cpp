@@ -1,6 +1,8 @@
 // Windows twin of platform_posix.cpp: the Win32 and C runtime calls the logic
 // was written against. Where the two files differ in more than the call, the
 // comment says how both are kept to one behaviour.
+// rand_s is declared only on request.
+#define _CRT_RAND_S
 #include "platform/platform.h"
 
 #include <windows.h>
@@ -12,6 +14,7 @@
 #include <sys/types.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdlib>
 #include <cstring>
 
@@ -75,6 +78,29 @@ void* allocateBulkMemory(std::size_t size) {
     // Large pages need a privilege a user rarely holds; committed pages come
     // zeroed all the same.
     return VirtualAlloc(nullptr, size, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
+}
+
+// --- The temporary folder ---------------------------------------------------
+
+std::uint32_t randomNumber() {
+    unsigned int value = 0;
+    if (rand_s(&value) == 0) return value;
+    // The performance counter's ticks and the process id still differ between
+    // runs started together; a counter keeps successive draws apart.
+    static std::uint64_t draws = 0;
+    LARGE_INTEGER ticks;
+    QueryPerformanceCounter(&ticks);
+    std::uint64_t mixed = static_cast<std::uint64_t>(ticks.QuadPart) ^
+                          (static_cast<std::uint64_t>(GetCurrentProcessId()) << 40);
+    mixed += 0x9E3779B97F4A7C15ull * ++draws;
+    mixed = (mixed ^ (mixed >> 30)) * 0xBF58476D1CE4E5B9ull;
+    mixed = (mixed ^ (mixed >> 27)) * 0x94D049BB133111EBull;
+    return static_cast<std::uint32_t>((mixed ^ (mixed >> 31)) >> 16);
+}
+
+DirectoryCreation createDirectory(const char* path) {
+    if (CreateDirectoryA(path, nullptr)) return DirectoryCreation::kCreated;
+    return GetLastError() == ERROR_ALREADY_EXISTS ? DirectoryCreation::kExists : DirectoryCreation::kFailed;
 }
 
 // --- Directory search ------------------------------------------------------
@@ -144,6 +170,24 @@ namespace {
 
 HANDLE asHandle(std::intptr_t value) { return reinterpret_cast<HANDLE>(value); }
 
+// The run's job object: every started process goes in, the handler ends
+// them all at once, and closing the last handle to it, as the system does
+// when the converter is killed hard, ends them too.
+std::atomic<HANDLE> runJob{nullptr};
+
+HANDLE jobForChildren() {
+    HANDLE job = runJob.load();
+    if (job != nullptr) return job;
+    job = CreateJobObjectA(nullptr, nullptr);
+    if (job == nullptr) return nullptr;
+    JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits;
+    std::memset(&limits, 0, sizeof limits);
+    limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
+    SetInformationJobObject(job, JobObjectExtendedLimitInformation, &limits, sizeof limits);
+    runJob.store(job);
+    return job;
+}
+
 }  // namespace
 
 bool startProcess(const char* commandLine, ProcessHandle* process) {
@@ -156,10 +200,16 @@ bool startProcess(const char* commandLine, ProcessHandle* process) {
     startup.wShowWindow = SW_HIDE;
     PROCESS_INFORMATION started;
     std::memset(&started, 0, sizeof started);
-    if (!CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, CREATE_NEW_CONSOLE, nullptr, nullptr,
-                        &startup, &started)) {
+    // Suspended until it is in the job, so that nothing it starts escapes.
+    if (!CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, CREATE_NEW_CONSOLE | CREATE_SUSPENDED,
+                        nullptr, nullptr, &startup, &started)) {
         return false;
     }
+    // Where the job can't be had (a system without nested jobs, when the
+    // converter itself runs in one) the process still runs, unguarded.
+    const HANDLE job = jobForChildren();
+    if (job != nullptr) AssignProcessToJobObject(job, started.hProcess);
+    ResumeThread(started.hThread);
     *process = ProcessHandle();
     process->id = reinterpret_cast<std::intptr_t>(started.hProcess);
     process->thread = reinterpret_cast<std::intptr_t>(started.hThread);
@@ -184,6 +234,53 @@ void closeProcess(ProcessHandle* process) {
     if (process->thread != 0) CloseHandle(asHandle(process->thread));
     if (process->id != 0) CloseHandle(asHandle(process->id));
     *process = ProcessHandle();
+}
+
+// --- Interruption ------------------------------------------------------------
+
+namespace {
+
+// STATUS_CONTROL_C_EXIT: the code of a console program stopped by Ctrl-C.
+constexpr UINT kStoppedByControlC = 0xC000013Au;
+
+std::atomic<DWORD> recordedEvent{0};
+std::atomic<bool> cleanedUp{false};
+void (*cleanUpAction)(void*) = nullptr;
+void* cleanUpContext = nullptr;
+
+[[noreturn]] void endStopped() {
+    std::fflush(stdout);
+    ExitProcess(kStoppedByControlC);
+}
+
+// Runs on a thread of its own, which the system starts for each event.
+BOOL WINAPI onControlEvent(DWORD event) {
+    if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT && event != CTRL_CLOSE_EVENT) return FALSE;
+    DWORD none = 0;
+    if (!recordedEvent.compare_exchange_strong(none, event + 1)) ExitProcess(kStoppedByControlC);  // a second one
+    const HANDLE job = runJob.load();
+    if (job != nullptr) TerminateJobObject(job, kStoppedByControlC);
+    // Closing the console ends the process once this returns: give the
+    // clean-up in the main thread the few seconds the system allows.
+    if (event == CTRL_CLOSE_EVENT) {
+        for (int waited = 0; waited < 45 && !cleanedUp.load(); ++waited) Sleep(100);
+    }
+    return TRUE;
+}
+
+}  // namespace
+
+void handleInterruptions(void (*cleanUp)(void*), void* context) {
+    cleanUpAction = cleanUp;
+    cleanUpContext = context;
+    SetConsoleCtrlHandler(onControlEvent, TRUE);
+}
+
+void stopIfInterrupted() {
+    if (recordedEvent.load() == 0) return;
+    if (cleanUpAction != nullptr) cleanUpAction(cleanUpContext);
+    cleanedUp.store(true);
+    endStopped();
 }
 
 }  // namespace platform

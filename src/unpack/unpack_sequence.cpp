@@ -1,8 +1,5 @@
 // unpack: the archive becomes a directory tree under a fresh random name,
 // peeled down to the level that holds the job.
-#include <cstdlib>
-#include <ctime>
-
 #include "platform/platform.h"
 #include "unpack/archive_unpacker.h"
 
@@ -25,7 +22,7 @@ TextString allEntries(const TextString& directory) { return childPath(directory,
 }  // namespace
 
 void makeRandomName(char* buffer, int length) {
-    for (int i = 0; i < length; ++i) buffer[i] = kRandomNameAlphabet[std::rand() % kAlphabetSize];
+    for (int i = 0; i < length; ++i) buffer[i] = kRandomNameAlphabet[platform::randomNumber() % kAlphabetSize];
     buffer[length] = '\0';
 }
 
@@ -38,22 +35,26 @@ std::int32_t ArchiveUnpacker::unpack(const TextString& inputFile, const TextStri
     unpackerCommand.clear();
     archivePath.assign(inputFile);
     if (!platform::statPath(archivePath.text(), nullptr)) return 2;
-    std::srand(static_cast<unsigned>(std::time(nullptr)));
     bool isDirectory = false;
     if (!platform::statPath(tempDirectory.text(), &isDirectory) || !isDirectory) return 2;
 
+    // The folder is claimed before the unpacker runs: a run beside this one
+    // that draws the same name finds it taken and draws again.
     char name[kRandomNameLength + 1];
-    makeRandomName(name, kRandomNameLength);
-    jobRoot.assign(childPath(tempDirectory, name));
-    int tries = 0;
-    for (;;) {
-        if (!platform::statPath(jobRoot.text(), nullptr)) break;
+    platform::DirectoryCreation claim = platform::DirectoryCreation::kExists;
+    for (int tries = 0; tries < kNameTries && claim == platform::DirectoryCreation::kExists; ++tries) {
         makeRandomName(name, kRandomNameLength);
         jobRoot.assign(childPath(tempDirectory, name));
-        if (++tries == kNameTries) break;
+        claim = platform::createDirectory(jobRoot.text());
     }
-    if (tries == kNameTries) return 3;
+    if (claim == platform::DirectoryCreation::kExists) return 3;
     tempPath.assign(jobRoot);
+    if (claim == platform::DirectoryCreation::kCreated) {
+        treeCreated = true;
+        treeInUse = true;
+    }
+    // A folder that could not be made for another reason is left to the
+    // unpacker, which fails on it as it always did.
 
     runUnpacker(archivePath, tempPath);  // judged by what the directory holds
     treeCreated = true;

@@ -43,9 +43,13 @@ bool ArchiveUnpacker::findUnpacker() {
 }
 
 std::int32_t runToEnd(const TextString& command, std::uint32_t* exitCode) {
+    // An interrupted run starts nothing more, and ends once the tool has
+    // been stopped and reaped, before anything looks at what it left.
+    platform::stopIfInterrupted();
     platform::ProcessHandle process;
     if (!platform::startProcess(command.text(), &process)) return 1;
     platform::waitForProcess(&process);
+    platform::stopIfInterrupted();
     if (!platform::processExitCode(&process, exitCode)) return 2;
     platform::closeProcess(&process);
     return 0;

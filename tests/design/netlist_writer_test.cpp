@@ -16,6 +16,12 @@
 #include "design/run_lifetime.h"
 #include "support/test_support.h"
 
+#if !defined(_WIN32)
+#include <sys/resource.h>
+
+#include <csignal>
+#endif
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -62,6 +68,7 @@ public:
         TextString name(name_.c_str());
         return design_.writeNetlistFile(path_.c_str(), name);
     }
+    const std::string& path() const { return path_; }
 
     // The file written, which must succeed, and the console's text.
     std::string written() {
@@ -158,6 +165,47 @@ TEST(NetlistWriterDeathTest, IndexOutsideTheModelEndsTheRunSilently) {
         EXPECT_DEATH(board.write(), "^$") << program;
     }
 }
+
+#if !defined(_WIN32)
+// A disk that fills up after any number of bytes, here a file size limit:
+// the write fails and leaves no file, never one that stops in the middle.
+// The board spans several of the writer's 64 KiB buffers.
+TEST(NetlistWriterTest, WriteThatFailsAnywhereLeavesNoFile) {
+    std::string program = "package 4\n";
+    for (int i = 0; i < 3000; ++i) {
+        const std::string n = std::to_string(i);
+        program += "component T" + n + " U" + n + " TYPE_" + n + " value=10k pins 1 2 3 4\n";
+        program += "net NET_" + n + " T" + n + "/0 T" + n + "/3\n";
+    }
+    Board board(program);
+    ASSERT_TRUE(board.write());
+    const std::string whole = testsupport::readFile(board.path());
+    ASSERT_GT(whole.size(), 3u * 65536);
+
+    struct sigaction ignore {}, previous {};
+    ignore.sa_handler = SIG_IGN;
+    sigaction(SIGXFSZ, &ignore, &previous);  // a write past the limit fails instead
+    rlimit unlimited{};
+    getrlimit(RLIMIT_FSIZE, &unlimited);
+    std::vector<std::size_t> limits = {0, 1, 4095, 65535, 65536, 65537, whole.size() - 1, whole.size()};
+    for (std::size_t limit = 1000; limit < whole.size(); limit += whole.size() / 23) limits.push_back(limit);
+    for (const std::size_t limit : limits) {
+        rlimit small = unlimited;
+        small.rlim_cur = limit;
+        setrlimit(RLIMIT_FSIZE, &small);
+        const bool written = board.write();
+        setrlimit(RLIMIT_FSIZE, &unlimited);
+        if (limit >= whole.size()) {
+            EXPECT_TRUE(written);
+            EXPECT_EQ(testsupport::readFile(board.path()), whole);
+        } else {
+            EXPECT_FALSE(written) << "limit " << limit;
+            EXPECT_FALSE(testsupport::pathExists(board.path())) << "limit " << limit;
+        }
+    }
+    sigaction(SIGXFSZ, &previous, nullptr);
+}
+#endif
 
 TEST(StripPinPrefixTest, JudgesByLengthsAlone) {
     const struct { const char* refdes; const char* pinText; const char* result; } cases[] = {
