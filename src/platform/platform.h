@@ -7,6 +7,7 @@
 // that a caller must free.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <string>
@@ -124,7 +125,17 @@ struct ProcessHandle {
     std::intptr_t thread = 0;  // the first thread's HANDLE; unused on POSIX
     bool ended = false;        // waited for, and exitCode is valid
     std::uint32_t exitCode = 0;
+    std::intptr_t outputPipe = -1;  // read end of a captured output, until it is drained
+    std::string output;             // what a captured process wrote, up to kCapturedOutputLimit bytes
 };
+
+// What a started program's standard streams are.
+enum class ProcessStreams {
+    kHidden,    // away from ours, as a hidden console
+    kCaptured,  // output and error into ProcessHandle::output; input one empty line
+};
+// Enough for every message of a failed unpack; more is read and dropped.
+constexpr std::size_t kCapturedOutputLimit = 1 << 20;
 
 // Splits a command line into arguments by the rules of the Windows C runtime:
 // the program name runs to the next blank or, quoted, to the next quote;
@@ -134,12 +145,15 @@ struct ProcessHandle {
 std::vector<std::string> splitCommandLine(const char* commandLine);
 
 // CreateProcessA with CREATE_NEW_CONSOLE and SW_HIDE: starts commandLine
-// without waiting, its standard streams away from ours (hidden console).
-// A bare program name is searched on PATH. Returns false when the program
-// can't be started.
-bool startProcess(const char* commandLine, ProcessHandle* process);
+// without waiting. A bare program name is searched on PATH. Returns false
+// when the program can't be started. A captured program's input holds one
+// empty line, so that a question (7-Zip's password prompt) gets an empty
+// answer instead of waiting for a typist who isn't there.
+bool startProcess(const char* commandLine, ProcessHandle* process,
+                  ProcessStreams streams = ProcessStreams::kHidden);
 
-// WaitForSingleObject(process, INFINITE).
+// WaitForSingleObject(process, INFINITE), reading a captured output to its
+// end first, so that a talkative program never blocks on a full pipe.
 void waitForProcess(ProcessHandle* process);
 
 // GetExitCodeProcess: false when the code can't be read.

@@ -353,7 +353,7 @@ std::vector<std::string> programCandidates(const std::string& program) {
 // The child's side of startProcess: async-signal-safe calls only. Returns
 // the errno of the failed start.
 int becomeProgram(pid_t parent, const std::vector<std::string>& candidates, char* const* argv,
-                  const sigset_t& callerMask) {
+                  const sigset_t& callerMask, const int streams[3]) {
     setpgid(0, 0);
     // Killed with the converter, even by SIGKILL, so that 7-Zip can't go on
     // filling TMP for minutes.
@@ -362,10 +362,12 @@ int becomeProgram(pid_t parent, const std::vector<std::string>& candidates, char
     standard.sa_handler = SIG_DFL;
     for (const int signal : kInterruptions) sigaction(signal, &standard, nullptr);
     sigprocmask(SIG_SETMASK, &callerMask, nullptr);
-    // The hidden console: the tool's streams go nowhere.
+    // The hidden console: the tool's streams go nowhere, unless captured.
     const int nowhere = open("/dev/null", O_RDWR);
     if (nowhere < 0) return errno;
-    for (int stream = 0; stream < 3; ++stream) dup2(nowhere, stream);
+    for (int stream = 0; stream < 3; ++stream) {
+        if (dup2(streams[stream] >= 0 ? streams[stream] : nowhere, stream) < 0) return errno;
+    }
     if (nowhere > 2) close(nowhere);
     // As posix_spawnp: a candidate that is missing or not ours to run sends
     // the search on; any other failure ends it.
@@ -378,9 +380,53 @@ int becomeProgram(pid_t parent, const std::vector<std::string>& candidates, char
     return failure;
 }
 
+// Moves a descriptor above the standard ones, which a converter started with
+// closed streams would hand out first: the child's dup2 onto 0, 1 and 2 must
+// not overwrite a source it still needs.
+int aboveStandardStreams(int fd) {
+    if (fd > 2) return fd;
+    const int moved = fcntl(fd, F_DUPFD_CLOEXEC, 3);
+    close(fd);
+    return moved;
+}
+
+// Pipes for a captured program: its input holds one empty line and is
+// closed behind it; its output and error share one pipe. All ends are
+// close-on-exec; the child's copies on 0, 1 and 2 are not.
+struct CapturePipes {
+    int input = -1;   // the child's standard input
+    int output = -1;  // the child's standard output and error
+    int reader = -1;  // ours
+    bool open() {
+        int in[2];
+        int out[2];
+        if (pipe2(in, O_CLOEXEC) != 0) return false;
+        if (pipe2(out, O_CLOEXEC) != 0) {
+            close(in[0]);
+            close(in[1]);
+            return false;
+        }
+        (void)!write(in[1], "\n", 1);
+        close(in[1]);
+        input = aboveStandardStreams(in[0]);
+        reader = aboveStandardStreams(out[0]);
+        output = aboveStandardStreams(out[1]);
+        if (input >= 0 && reader >= 0 && output >= 0) return true;
+        closeChildEnds();
+        if (reader >= 0) close(reader);
+        reader = -1;
+        return false;
+    }
+    void closeChildEnds() {
+        if (input >= 0) close(input);
+        if (output >= 0) close(output);
+        input = output = -1;
+    }
+};
+
 }  // namespace
 
-bool startProcess(const char* commandLine, ProcessHandle* process) {
+bool startProcess(const char* commandLine, ProcessHandle* process, ProcessStreams streams) {
     const std::vector<std::string> arguments = splitCommandLine(commandLine);
     if (arguments.empty() || arguments[0].empty()) return false;
     std::vector<char*> argv;
@@ -390,8 +436,15 @@ bool startProcess(const char* commandLine, ProcessHandle* process) {
 
     // A failed exec is reported through a pipe that a successful one closes,
     // as CreateProcessA reports a program that can't start.
+    CapturePipes capture;
+    if (streams == ProcessStreams::kCaptured && !capture.open()) return false;
+    const int childStreams[3] = {capture.input, capture.output, capture.output};
     int report[2];
-    if (pipe2(report, O_CLOEXEC) != 0) return false;
+    if (pipe2(report, O_CLOEXEC) != 0) {
+        capture.closeChildEnds();
+        if (capture.reader >= 0) close(capture.reader);
+        return false;
+    }
     // No interruption between the start and the listing: the handler must
     // know every process it has to stop.
     sigset_t interruptions;
@@ -402,7 +455,7 @@ bool startProcess(const char* commandLine, ProcessHandle* process) {
     const pid_t parent = getpid();
     const pid_t pid = fork();
     if (pid == 0) {
-        const int failure = becomeProgram(parent, candidates, argv.data(), callerMask);
+        const int failure = becomeProgram(parent, candidates, argv.data(), callerMask, childStreams);
         (void)!write(report[1], &failure, sizeof failure);
         _exit(127);
     }
@@ -412,15 +465,20 @@ bool startProcess(const char* commandLine, ProcessHandle* process) {
     }
     sigprocmask(SIG_SETMASK, &callerMask, nullptr);
     close(report[1]);
+    capture.closeChildEnds();
     int failure = 0;
     ssize_t got;
     do {
         got = read(report[0], &failure, sizeof failure);
     } while (got < 0 && errno == EINTR);
     close(report[0]);
-    if (pid < 0) return false;
+    if (pid < 0) {
+        if (capture.reader >= 0) close(capture.reader);
+        return false;
+    }
     *process = ProcessHandle();
     process->id = pid;
+    process->outputPipe = capture.reader;
     if (got > 0) {
         waitForProcess(process);
         *process = ProcessHandle();
@@ -429,7 +487,29 @@ bool startProcess(const char* commandLine, ProcessHandle* process) {
     return true;
 }
 
+namespace {
+
+// Reads a captured output to its end: the writer's exit, or its kill by the
+// interruption handler, closes the pipe.
+void drainOutput(ProcessHandle* process) {
+    if (process->outputPipe < 0) return;
+    const int pipe = static_cast<int>(process->outputPipe);
+    char block[16384];
+    for (;;) {
+        const ssize_t got = read(pipe, block, sizeof block);
+        if (got < 0 && errno == EINTR) continue;
+        if (got <= 0) break;
+        const std::size_t room = kCapturedOutputLimit - process->output.size();
+        process->output.append(block, std::min(room, static_cast<std::size_t>(got)));
+    }
+    close(pipe);
+    process->outputPipe = -1;
+}
+
+}  // namespace
+
 void waitForProcess(ProcessHandle* process) {
+    drainOutput(process);
     if (process->id <= 0) return;
     int status = 0;
     pid_t result;
@@ -451,7 +531,10 @@ bool processExitCode(ProcessHandle* process, std::uint32_t* code) {
     return true;
 }
 
-void closeProcess(ProcessHandle* process) { *process = ProcessHandle(); }
+void closeProcess(ProcessHandle* process) {
+    if (process->outputPipe >= 0) close(static_cast<int>(process->outputPipe));
+    *process = ProcessHandle();
+}
 
 // --- Interruption ------------------------------------------------------------
 

@@ -188,9 +188,40 @@ HANDLE jobForChildren() {
     return job;
 }
 
+// Pipes for a captured program: its input holds one empty line and is
+// closed behind it; its output and error share one pipe. Only the child's
+// ends are inheritable.
+struct CapturePipes {
+    HANDLE input = nullptr;   // the child's standard input
+    HANDLE output = nullptr;  // the child's standard output and error
+    HANDLE reader = nullptr;  // ours
+    bool open() {
+        SECURITY_ATTRIBUTES inherited;
+        std::memset(&inherited, 0, sizeof inherited);
+        inherited.nLength = sizeof inherited;
+        inherited.bInheritHandle = TRUE;
+        HANDLE inputWriter = nullptr;
+        if (!CreatePipe(&input, &inputWriter, &inherited, 0)) return false;
+        DWORD written = 0;
+        WriteFile(inputWriter, "\r\n", 2, &written, nullptr);
+        CloseHandle(inputWriter);
+        if (!CreatePipe(&reader, &output, &inherited, 0)) {
+            closeChildEnds();
+            return false;
+        }
+        SetHandleInformation(reader, HANDLE_FLAG_INHERIT, 0);
+        return true;
+    }
+    void closeChildEnds() {
+        if (input != nullptr) CloseHandle(input);
+        if (output != nullptr) CloseHandle(output);
+        input = output = nullptr;
+    }
+};
+
 }  // namespace
 
-bool startProcess(const char* commandLine, ProcessHandle* process) {
+bool startProcess(const char* commandLine, ProcessHandle* process, ProcessStreams streams) {
     // CreateProcessA may write into the command line.
     std::vector<char> line(commandLine, commandLine + std::strlen(commandLine) + 1);
     STARTUPINFOA startup;
@@ -198,11 +229,23 @@ bool startProcess(const char* commandLine, ProcessHandle* process) {
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESHOWWINDOW;
     startup.wShowWindow = SW_HIDE;
+    CapturePipes capture;
+    const bool captured = streams == ProcessStreams::kCaptured;
+    if (captured) {
+        if (!capture.open()) return false;
+        startup.dwFlags |= STARTF_USESTDHANDLES;
+        startup.hStdInput = capture.input;
+        startup.hStdOutput = capture.output;
+        startup.hStdError = capture.output;
+    }
     PROCESS_INFORMATION started;
     std::memset(&started, 0, sizeof started);
     // Suspended until it is in the job, so that nothing it starts escapes.
-    if (!CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, CREATE_NEW_CONSOLE | CREATE_SUSPENDED,
-                        nullptr, nullptr, &startup, &started)) {
+    const BOOL created = CreateProcessA(nullptr, line.data(), nullptr, nullptr, captured ? TRUE : FALSE,
+                                        CREATE_NEW_CONSOLE | CREATE_SUSPENDED, nullptr, nullptr, &startup, &started);
+    capture.closeChildEnds();
+    if (!created) {
+        if (capture.reader != nullptr) CloseHandle(capture.reader);
         return false;
     }
     // Where the job can't be had (a system without nested jobs, when the
@@ -213,10 +256,31 @@ bool startProcess(const char* commandLine, ProcessHandle* process) {
     *process = ProcessHandle();
     process->id = reinterpret_cast<std::intptr_t>(started.hProcess);
     process->thread = reinterpret_cast<std::intptr_t>(started.hThread);
+    if (capture.reader != nullptr) process->outputPipe = reinterpret_cast<std::intptr_t>(capture.reader);
     return true;
 }
 
+namespace {
+
+// Reads a captured output to its end: the writer's exit, or its end through
+// the job object, breaks the pipe.
+void drainOutput(ProcessHandle* process) {
+    if (process->outputPipe == -1) return;
+    const HANDLE pipe = asHandle(process->outputPipe);
+    char block[16384];
+    DWORD got = 0;
+    while (ReadFile(pipe, block, sizeof block, &got, nullptr) && got > 0) {
+        const std::size_t room = kCapturedOutputLimit - process->output.size();
+        process->output.append(block, std::min<std::size_t>(room, got));
+    }
+    CloseHandle(pipe);
+    process->outputPipe = -1;
+}
+
+}  // namespace
+
 void waitForProcess(ProcessHandle* process) {
+    drainOutput(process);
     if (process->id == 0) return;
     if (WaitForSingleObject(asHandle(process->id), INFINITE) == WAIT_OBJECT_0) process->ended = true;
 }
@@ -231,6 +295,7 @@ bool processExitCode(ProcessHandle* process, std::uint32_t* code) {
 }
 
 void closeProcess(ProcessHandle* process) {
+    if (process->outputPipe != -1) CloseHandle(asHandle(process->outputPipe));
     if (process->thread != 0) CloseHandle(asHandle(process->thread));
     if (process->id != 0) CloseHandle(asHandle(process->id));
     *process = ProcessHandle();

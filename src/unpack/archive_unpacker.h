@@ -6,19 +6,24 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "containers/text_string.h"
 #include "unpack/compressed_files.h"
 
 class ArchiveUnpacker {
 public:
-    // 0 when the tool ran to its end, whatever its exit code; 1 when it could
-    // not be found ("Error, qx7za.exe not found") or started.
+    // 0 when the tool ran to its end and reported no damage, whatever its
+    // exit code; 1 when it could not be found ("Error, qx7za.exe not found")
+    // or started; 2 when it reported damage ("Error, unzip failed: <its
+    // first error text>"; see unpack_damage.h).
     std::int32_t runUnpacker(const TextString& source, const TextString& target);
+    static constexpr std::int32_t kDamagedPass = 2;
 
     // 0: jobRoot and jobName are set. 1: a tree is in use already. 2: the
     // input or the temporary directory can't be statted. 3: no free name.
     // 6: the peeling ended in an empty directory. 9: nothing was unpacked.
+    // 10: a pass of the tool reported damage: the tree is not the job.
     std::int32_t unpack(const TextString& inputFile, const TextString& tempDirectory, TextString& jobRoot,
                         TextString& jobName);
 
@@ -46,9 +51,10 @@ private:
     bool findUnpacker();
 };
 
-// Runs command to its end, its console hidden. 0 with exitCode set; 1 when
-// it could not be started; 2 when its exit code could not be read.
-std::int32_t runToEnd(const TextString& command, std::uint32_t* exitCode);
+// Runs command to its end, its console hidden, or its output captured into
+// output when that is given. 0 with exitCode set; 1 when it could not be
+// started; 2 when its exit code could not be read.
+std::int32_t runToEnd(const TextString& command, std::uint32_t* exitCode, std::string* output);
 
 // Fills buffer with length characters of the random-name alphabet and a
 // terminator.

@@ -33,7 +33,7 @@ std::int32_t ArchiveUnpacker::expandCompressedFiles(CompressedFileList& queue) {
         const TextString command = unpackerCommand + " x \"" + file.directory + platform::kPathSeparatorText +
                                    file.fileName + "\" -o\"" + file.directory + "\" -y";
         std::uint32_t exitCode = 0;
-        const std::int32_t run = runToEnd(command, &exitCode);
+        const std::int32_t run = runToEnd(command, &exitCode, nullptr);
         if (run == 1) std::printf("Error in Call unzip: %s\n", command.text());
         if (run != 0) return 1;
         // 7-Zip's exit codes: 0 fine, 1 warning, 2 fatal error, 7 command

@@ -56,9 +56,11 @@ std::int32_t ArchiveUnpacker::unpack(const TextString& inputFile, const TextStri
     // A folder that could not be made for another reason is left to the
     // unpacker, which fails on it as it always did.
 
-    runUnpacker(archivePath, tempPath);  // judged by what the directory holds
+    // Judged by what the directory holds, unless the tool reported damage.
+    const bool damaged = runUnpacker(archivePath, tempPath) == kDamagedPass;
     treeCreated = true;
     treeInUse = true;
+    if (damaged) return 10;
 
     platform::DirectorySearch search;
     platform::FindRecord record;
@@ -81,9 +83,10 @@ std::int32_t ArchiveUnpacker::unpack(const TextString& inputFile, const TextStri
         if ((record.attributes & platform::kAttributeDirectory) == 0) {
             // A lone file: unpack it beside itself, then delete it.
             filePath.assign(childPath(jobRoot, record.name.c_str()));
-            runUnpacker(filePath, jobRoot);
+            const bool damagedFile = runUnpacker(filePath, jobRoot) == kDamagedPass;
             treeCreated = true;
             treeInUse = true;
+            if (damagedFile) return 10;
             if ((record.attributes & platform::kAttributeReadOnly) != 0) platform::makeWritable(filePath.text());
             platform::deleteFile(filePath.text());  // remove(): fails only on read-only
         } else {

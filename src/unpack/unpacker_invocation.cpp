@@ -5,6 +5,7 @@
 
 #include "platform/platform.h"
 #include "unpack/archive_unpacker.h"
+#include "unpack/unpack_damage.h"
 
 namespace {
 
@@ -42,14 +43,17 @@ bool ArchiveUnpacker::findUnpacker() {
     return false;
 }
 
-std::int32_t runToEnd(const TextString& command, std::uint32_t* exitCode) {
+std::int32_t runToEnd(const TextString& command, std::uint32_t* exitCode, std::string* output) {
     // An interrupted run starts nothing more, and ends once the tool has
     // been stopped and reaped, before anything looks at what it left.
     platform::stopIfInterrupted();
     platform::ProcessHandle process;
-    if (!platform::startProcess(command.text(), &process)) return 1;
+    const platform::ProcessStreams streams =
+        output != nullptr ? platform::ProcessStreams::kCaptured : platform::ProcessStreams::kHidden;
+    if (!platform::startProcess(command.text(), &process, streams)) return 1;
     platform::waitForProcess(&process);
     platform::stopIfInterrupted();
+    if (output != nullptr) output->swap(process.output);
     if (!platform::processExitCode(&process, exitCode)) return 2;
     platform::closeProcess(&process);
     return 0;
@@ -60,12 +64,18 @@ std::int32_t ArchiveUnpacker::runUnpacker(const TextString& source, const TextSt
     // "<tool>" x "<source>" -o"<target>" -y, paths as they stand.
     const TextString command = unpackerCommand + " x \"" + source + "\" -o\"" + target + "\" -y";
     std::uint32_t exitCode = 0;
-    if (runToEnd(command, &exitCode) != 0) {
+    std::string output;
+    if (runToEnd(command, &exitCode, &output) != 0) {
         std::printf("Error in Call unzip: %s\n", command.text());
         return 1;
     }
-    // Every exit code counts: what the tool left is judged by the caller.
     treeCreated = true;
     treeInUse = true;
+    // Other failures are judged by what the tool left.
+    const std::string damage = unpackDamage(exitCode, output);
+    if (!damage.empty()) {
+        std::printf("Error, unzip failed: %s\n", damage.c_str());
+        return kDamagedPass;
+    }
     return 0;
 }

@@ -4,9 +4,10 @@
 //   qx7za.exe   the unpacker's test double, twin of the script
 //               unpacker_double/qx7za.exe (which tells what it does); "7zz"
 //               runs the build's real qx7za.exe, "tar" has no Windows
-//               counterpart and fails with 99. Its arguments come split by
-//               the C runtime, so calls.log shows what the converter's
-//               command line means to a Windows program.
+//               counterpart and fails with 99, "sleep" waits two minutes
+//               (an unpack that outlasts a hard kill of the converter). Its
+//               arguments come split by the C runtime, so calls.log shows
+//               what the converter's command line means to a Windows program.
 //   any other   e2e_windows_helper <in> <out> <err> NAME=value... NAME... -- program arguments...
 //               sets the variables (%PATH% in a value stands for the current
 //               one) or removes them (NAME alone), runs the program with
@@ -122,7 +123,10 @@ int unpackerDouble(int argc, char** argv, const std::string& here) {
         }
     }
     const HANDLE standard[3] = {GetStdHandle(STD_INPUT_HANDLE), GetStdHandle(STD_OUTPUT_HANDLE), GetStdHandle(STD_ERROR_HANDLE)};
-    const int status = action == "7zz" ? run(ODB2VRN_REAL_UNPACKER, argv + 1, argc - 1, standard) : action == "none" ? 0 : 99;
+    if (action == "sleep") Sleep(120000);
+    const int status = action == "7zz"                         ? run(ODB2VRN_REAL_UNPACKER, argv + 1, argc - 1, standard)
+                       : action == "none" || action == "sleep" ? 0
+                                                               : 99;
     return code.empty() ? status : std::atoi(code.c_str());
 }
 
