@@ -25,8 +25,8 @@
 #include <new>
 
 #include "design/design.h"
+#include "design/product.h"
 #include "design/vrn_file.h"
-#include "frame/banner.h"
 
 namespace {
 

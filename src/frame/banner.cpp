@@ -3,15 +3,9 @@
 #include <cstdio>
 #include <cstring>
 
-#include "odb2vrn_version.h"
-
-const char kProgramTitle[] = "ODB++ netlist to VRN converter";
-const char kProgramName[] = "Odb2vrn_64";
-const char kVersionNumber[] = ODB2VRN_VERSION;
 const char kBuildDate[] = "20230721";
 const char kBuildTag[] = "/XQ";
 const char kSupportedFormat[] = "Valor odb++ specification 6.5";
-const char kRightsHolder[] = "Korvane Systems";
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <cstring>
 
 #include "design/design.h"
-#include "frame/messages.h"
+#include "report/messages.h"
 #include "odb/job_reader.h"
 #include "odb/line_scanner.h"
 #include "odb/record_scan.h"

@@ -1,4 +1,4 @@
-#include "frame/messages.h"
+#include "report/messages.h"
 
 #include <cstdarg>
 #include <cstdio>
