@@ -2,7 +2,7 @@
 
 #include "odb2vrn_version.h"
 
-const char kProgramTitle[] = "ODB++ netlist to VRN converter";
-const char kProgramName[] = "Odb2vrn_64";
+const char kProgramTitle[] = ODB2VRN_PROGRAM_TITLE;
+const char kProgramName[] = ODB2VRN_PROGRAM_NAME;
 const char kVersionNumber[] = ODB2VRN_VERSION;
-const char kRightsHolder[] = "Korvane Systems";
+const char kRightsHolder[] = ODB2VRN_RIGHTS_HOLDER;
