@@ -3,27 +3,27 @@
 #include "design/design.h"
 
 std::size_t NetPinList::ConnectionHash::operator()(const NetPin* pin) const {
-    // FNV-1a over the key's bytes, then the index.
-    std::uint64_t hash = 14695981039346656037ULL;
-    for (const char* p = pin->key.text(); *p != '\0'; ++p) {
-        hash = (hash ^ static_cast<unsigned char>(*p)) * 1099511628211ULL;
-    }
-    hash = (hash ^ static_cast<std::uint32_t>(pin->pinIndex)) * 1099511628211ULL;
-    return static_cast<std::size_t>(hash ^ (hash >> 29));
+    const std::uint64_t hash = hashText(pin->key.text());
+    return static_cast<std::size_t>((hash ^ static_cast<std::uint32_t>(pin->pinIndex)) * 1099511628211ULL);
 }
 
 NetPin* NetPinList::addNetPin(NetPin* pin) {
     if (pin == nullptr) return nullptr;
+    const auto sameConnection = [pin](const NetPin* other) {
+        return other->pinIndex == pin->pinIndex && other->key.equals(pin->key);
+    };
     if (count >= kIndexFrom) {
-        if (!seen_.insert(pin).second) return nullptr;
+        const std::size_t hash = ConnectionHash()(pin);
+        if (seen_.find(hash, sameConnection) != nullptr) return nullptr;
+        seen_.add(hash, pin);
     } else {
         for (Node* node = head; node != nullptr; node = node->next) {
-            if (node->item->pinIndex == pin->pinIndex && node->item->key.equals(pin->key)) return nullptr;
+            if (sameConnection(node->item)) return nullptr;
         }
     }
     addItem(pin);
     if (count == kIndexFrom) {
-        for (Node* node = head; node != nullptr; node = node->next) seen_.insert(node->item);
+        for (Node* node = head; node != nullptr; node = node->next) seen_.add(ConnectionHash()(node->item), node->item);
     }
     return pin;
 }

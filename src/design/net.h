@@ -6,8 +6,8 @@
 
 #include <cstdint>
 #include <cstdio>
-#include <unordered_set>
 
+#include "containers/flat_index.h"
 #include "containers/item_list.h"
 #include "design/named_item.h"
 
@@ -32,17 +32,13 @@ public:
     NetPin* addNetPin(NetPin* pin);
 
 private:
-    // The pins of a long list by key and index; they live as long as the run.
-    struct SameConnection {
-        bool operator()(const NetPin* a, const NetPin* b) const {
-            return a->pinIndex == b->pinIndex && a->key.equals(b->key);
-        }
-    };
     struct ConnectionHash {
         std::size_t operator()(const NetPin* pin) const;
     };
     static constexpr std::int32_t kIndexFrom = 8;
-    std::unordered_set<const NetPin*, ConnectionHash, SameConnection> seen_;  // filled once the list is long
+    // The pins of a long list by key and index, filled once the list is
+    // long; they live as long as the run.
+    FlatIndex<NetPin, ConnectionHash> seen_;
 };
 
 class Net : public NamedItem {

@@ -55,25 +55,37 @@ void Part::setRefdes(const char* text) {
     if (list_ != nullptr) list_->refdesChanged();
 }
 
+std::size_t PartList::RefdesHash::operator()(const Part* part) const {
+    return static_cast<std::size_t>(hashText(part->refdes.text()));
+}
+
 Part* PartList::addPart(Part* part) {
     if (addItem(part) == nullptr) return nullptr;
     part->owner = owner;
     part->list_ = this;
-    if (indexValid_) byRefdes_.emplace(part->refdes.text(), part);
+    if (indexValid_) indexRefdes(part);
     return part;
 }
 
-Part* PartList::findByRefdes(TextString text) {
+Part* PartList::findByRefdes(const char* text) {
     if (!indexValid_) rebuildIndex();
-    const auto found = byRefdes_.find(text.text());
-    return found == byRefdes_.end() ? nullptr : found->second;
+    return findIndexed(text == nullptr ? "" : text);
+}
+
+// The first Part of a refdes stays in the index; a later one with the same
+// refdes is found through it.
+void PartList::indexRefdes(Part* part) {
+    if (findIndexed(part->refdes.text()) == nullptr) byRefdes_.add(RefdesHash()(part), part);
+}
+
+Part* PartList::findIndexed(const char* text) const {
+    return byRefdes_.find(static_cast<std::size_t>(hashText(text)),
+                          [text](const Part* part) { return std::strcmp(part->refdes.text(), text) == 0; });
 }
 
 void PartList::rebuildIndex() {
     byRefdes_.clear();
-    for (Node* node = head; node != nullptr; node = node->next) {
-        byRefdes_.emplace(node->item->refdes.text(), node->item);
-    }
+    for (Node* node = head; node != nullptr; node = node->next) indexRefdes(node->item);
     indexValid_ = true;
 }
 

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "containers/flat_index.h"
 #include "containers/item_list.h"
 #include "design/named_item.h"
 
@@ -112,7 +113,8 @@ public:
     // Links part at the tail and gives it the list's owner; null refused.
     Part* addPart(Part* part);
     // The first Part, in list order, whose refdes equals text; or null.
-    Part* findByRefdes(TextString text);
+    Part* findByRefdes(const char* text);
+    Part* findByRefdes(const TextString& text) { return findByRefdes(text.text()); }
 
     void clearItems();
     // Parts are never taken out one by one; the refdes index relies on it.
@@ -124,8 +126,13 @@ private:
     friend class Part;
     void refdesChanged() { indexValid_ = false; }
     void rebuildIndex();
+    void indexRefdes(Part* part);
+    Part* findIndexed(const char* text) const;
 
+    struct RefdesHash {
+        std::size_t operator()(const Part* part) const;
+    };
     // refdes -> first Part with it, kept exact through Part::setRefdes.
-    std::unordered_map<std::string, Part*> byRefdes_;
+    FlatIndex<Part, RefdesHash> byRefdes_;
     bool indexValid_ = true;
 };

@@ -1,0 +1,80 @@
+// FlatIndex: pointers to items in one open-addressing table, for the
+// lookups a board makes by the hundred thousand (a component by its
+// reference, a connection by its key and pin). One array of pointers, grown
+// by doubling, instead of a heap node per entry: fresh memory is what a large
+// board pays for most. The items stay where they are; the caller gives the
+// hash of each and says which stored item matches, and it keeps one item a
+// key: it finds before it adds.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+// HashOf: std::size_t operator()(const Item*), the hash an item was added
+// under, for regrowing.
+template <typename Item, typename HashOf>
+class FlatIndex {
+public:
+    // The item added under hash for which matches(item) holds, or null.
+    template <typename Matches>
+    Item* find(std::size_t hash, Matches matches) const {
+        if (slots_.empty()) return nullptr;
+        for (std::size_t slot = spread(hash) & mask_;; slot = (slot + 1) & mask_) {
+            Item* item = slots_[slot];
+            if (item == nullptr) return nullptr;
+            if (matches(item)) return item;
+        }
+    }
+
+    // Adds item under hash; no item that matches it may be there.
+    void add(std::size_t hash, Item* item) {
+        if ((used_ + 1) * 2 > slots_.size()) grow();
+        place(hash, item);
+        ++used_;
+    }
+
+    void clear() {
+        std::vector<Item*>().swap(slots_);
+        mask_ = 0;
+        used_ = 0;
+    }
+
+private:
+    // The hashes come from byte sums; their low bits pick the slot, so they
+    // are mixed first (the finishing steps of MurmurHash3).
+    static std::size_t spread(std::size_t hash) {
+        std::uint64_t mixed = hash;
+        mixed ^= mixed >> 33;
+        mixed *= 0xff51afd7ed558ccdULL;
+        mixed ^= mixed >> 33;
+        return static_cast<std::size_t>(mixed);
+    }
+
+    void place(std::size_t hash, Item* item) {
+        std::size_t slot = spread(hash) & mask_;
+        while (slots_[slot] != nullptr) slot = (slot + 1) & mask_;
+        slots_[slot] = item;
+    }
+
+    void grow() {
+        std::vector<Item*> old;
+        old.swap(slots_);
+        const std::size_t size = old.empty() ? 16 : old.size() * 2;
+        slots_.assign(size, nullptr);
+        mask_ = size - 1;
+        for (Item* item : old) {
+            if (item != nullptr) place(HashOf()(item), item);
+        }
+    }
+
+    std::vector<Item*> slots_;
+    std::size_t mask_ = 0;
+    std::size_t used_ = 0;
+};
+
+// FNV-1a over a zero-terminated text, for the hashes given to a FlatIndex.
+inline std::uint64_t hashText(const char* text, std::uint64_t hash = 14695981039346656037ULL) {
+    for (const char* p = text; *p != '\0'; ++p) hash = (hash ^ static_cast<unsigned char>(*p)) * 1099511628211ULL;
+    return hash;
+}
