@@ -9,7 +9,7 @@
 // text is allowed; every other operation expects a buffer.
 //
 // A buffer of up to kLocalSize bytes lives inside the object, so the many
-// short texts of a board (keys, pin texts, the empty spares) cost no heap
+// short texts of a board (keys, pin texts, names) cost no heap
 // block; capacity follows the same rules wherever the buffer lives. A
 // TextString is therefore never moved bytewise.
 #pragma once

@@ -19,8 +19,7 @@ class NetPin {
 public:
     NetPin(TextString key, std::int32_t pinIndex) : key(key), pinIndex(pinIndex) {}
 
-    TextString key;
-    TextString spare;
+    TextString key;  // the record's spare text, always empty, is not stored
     std::int32_t pinIndex;
 };
 

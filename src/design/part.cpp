@@ -10,16 +10,26 @@ PartPin::PartPin(TextString name, std::int32_t pinNumber, std::int32_t netNumber
 PartPin::PartPin(const char* name, std::int32_t pinNumber, std::int32_t netNumber, const char* pinText)
     : NamedItem(name), pinNumber(pinNumber), netNumber(netNumber), pinText(pinText) {}
 
+std::size_t PartPinList::NameHash::operator()(const PartPin* pin) const {
+    return static_cast<std::size_t>(hashText(pin->text()));
+}
+
 PartPin* PartPinList::findPinByName(const char* text) {
+    const char* wanted = text == nullptr ? "" : text;
+    const auto named = [wanted](const PartPin* pin) { return std::strcmp(pin->text(), wanted) == 0; };
     if (count >= kIndexFrom) {
         // The pins added since the last search join the index; the first
         // pin of a name keeps it.
         for (Node* node = lastIndexed_ == nullptr ? head : lastIndexed_->next; node != nullptr; node = node->next) {
-            byName_.try_emplace(node->item->text(), node->item);
+            const char* name = node->item->text();
+            const std::size_t hash = NameHash()(node->item);
+            if (byName_.find(hash, [name](const PartPin* pin) { return std::strcmp(pin->text(), name) == 0; }) ==
+                nullptr) {
+                byName_.add(hash, node->item);
+            }
             lastIndexed_ = node;
         }
-        const auto found = byName_.find(text == nullptr ? "" : text);
-        return found == byName_.end() ? nullptr : found->second;
+        return byName_.find(static_cast<std::size_t>(hashText(wanted)), named);
     }
     for (Node* node = head; node != nullptr; node = node->next) {
         if (node->item->equals(text)) return node->item;

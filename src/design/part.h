@@ -6,9 +6,6 @@
 
 #include <cstdint>
 #include <cstdio>
-#include <string>
-#include <string_view>
-#include <unordered_map>
 
 #include "containers/flat_index.h"
 #include "containers/item_list.h"
@@ -26,9 +23,9 @@ public:
     // netlist shows.
     PartPin(const char* name, std::int32_t pinNumber, std::int32_t netNumber, const char* pinText);
 
-    TextString spare1;
+    // A pin record's two spare texts, always empty and never read, are
+    // not stored: half a million pins would carry 48 bytes each for them.
     std::int32_t pinNumber = 0;
-    TextString spare2;
     std::int32_t netNumber = 0;
     TextString pinText;
 
@@ -58,7 +55,10 @@ private:
     static constexpr std::int32_t kIndexFrom = 16;
     // Filled on the first search of a long list: only packages are searched,
     // and a component's many "DUMMY" pins need no index.
-    std::unordered_map<std::string_view, PartPin*> byName_;
+    struct NameHash {
+        std::size_t operator()(const PartPin* pin) const;
+    };
+    FlatIndex<PartPin, NameHash> byName_;
     Node* lastIndexed_ = nullptr;
 
     void forgetIndex() {
