@@ -4,13 +4,16 @@
 //
 //   bench_stages JOB_ROOT OUTPUT.vrn
 //
-// reads the job as a conversion does (readJobInto), writes the VRN file
-// (Design::writeNetlistFile), releases the Design, and prints one line to
-// the standard error, wall seconds of each stage and the processor seconds
-// (user and system) of read and write together, which a busy machine
-// disturbs less:
-//   stages read <s> write <s> release <s> cpu <s>
-// The converter's own console lines go to the standard output as usual.
+// reads the job's four files as a conversion of a one-step job does (the
+// matrix, eda/data, the top and the bottom components), writes the VRN file
+// (Design::writeNetlistFile), releases the Design, removes the unpacked
+// tree below JOB_ROOT as the converter removes its temporary tree, and
+// prints one line to the standard error: wall seconds of each stage and the
+// processor seconds (user and system) of read and write together, which a
+// busy machine disturbs less:
+//   stages read <s> write <s> release <s> cpu <s> matrix <s> eda <s> top <s> bottom <s> remove <s>
+// (read is the four files together). The converter's own console lines go to
+// the standard output as usual.
 #include <chrono>
 #include <cstdio>
 #include <ctime>
@@ -18,7 +21,8 @@
 
 #include "containers/text_string.h"
 #include "design/design.h"
-#include "frame/conversion.h"
+#include "odb/job_reader.h"
+#include "unpack/archive_unpacker.h"
 
 namespace {
 
@@ -26,6 +30,14 @@ using Clock = std::chrono::steady_clock;
 
 double secondsSince(Clock::time_point start) {
     return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+// Runs step and returns its wall seconds.
+template <typename Step>
+double timed(Step step) {
+    const auto start = Clock::now();
+    step();
+    return secondsSince(start);
 }
 
 }  // namespace
@@ -36,24 +48,31 @@ int main(int argc, char** argv) {
         return 2;
     }
     auto design = std::make_unique<Design>();
+    double matrix = 0, eda = 0, top = 0, bottom = 0;
+    bool read = true;
 
     const std::clock_t cpuStart = std::clock();
-    const auto readStart = Clock::now();
-    readJobInto(TextString(argv[1]), TextString("job"), *design);
-    const double readSeconds = secondsSince(readStart);
-
-    const auto writeStart = Clock::now();
-    TextString designName("bench");
-    const bool written = design->writeNetlistFile(argv[2], designName);
-    const double writeSeconds = secondsSince(writeStart);
+    {
+        JobReader reader(TextString(argv[1]), TextString("job"), *design);
+        matrix = timed([&] { read = reader.readMatrix() == 0; });
+        if (read) eda = timed([&] { read = reader.readEdaData() == 0; });
+        if (read) top = timed([&] { read = reader.readComponents(TextString("comp_+_top")) == 0; });
+        if (read) bottom = timed([&] { read = reader.readComponents(TextString("comp_+_bot")) == 0; });
+    }
+    bool written = false;
+    const double write = timed([&] {
+        TextString designName("bench");
+        written = design->writeNetlistFile(argv[2], designName);
+    });
     const double cpuSeconds = static_cast<double>(std::clock() - cpuStart) / CLOCKS_PER_SEC;
-
-    const auto releaseStart = Clock::now();
-    design.reset();
-    const double releaseSeconds = secondsSince(releaseStart);
+    const double release = timed([&] { design.reset(); });
+    ArchiveUnpacker unpacker;
+    const double remove = timed([&] { unpacker.removeTree(TextString(argv[1])); });
 
     std::fflush(stdout);
-    std::fprintf(stderr, "stages read %.6f write %.6f release %.6f cpu %.6f\n", readSeconds, writeSeconds,
-                 releaseSeconds, cpuSeconds);
-    return written ? 0 : 1;
+    std::fprintf(stderr,
+                 "stages read %.6f write %.6f release %.6f cpu %.6f matrix %.6f eda %.6f top %.6f bottom %.6f "
+                 "remove %.6f\n",
+                 matrix + eda + top + bottom, write, release, cpuSeconds, matrix, eda, top, bottom, remove);
+    return read && written ? 0 : 1;
 }
