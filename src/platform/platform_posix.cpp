@@ -434,11 +434,11 @@ bool startProcess(const char* commandLine, ProcessHandle* process, ProcessStream
     argv.push_back(nullptr);
     const std::vector<std::string> candidates = programCandidates(arguments[0]);
 
-    // A failed exec is reported through a pipe that a successful one closes,
-    // as CreateProcessA reports a program that can't start.
     CapturePipes capture;
     if (streams == ProcessStreams::kCaptured && !capture.open()) return false;
     const int childStreams[3] = {capture.input, capture.output, capture.output};
+    // A failed exec is reported through a pipe that a successful one closes,
+    // as CreateProcessA reports a program that can't start.
     int report[2];
     if (pipe2(report, O_CLOEXEC) != 0) {
         capture.closeChildEnds();
