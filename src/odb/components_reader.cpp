@@ -57,7 +57,7 @@ bool ComponentsRead::cmp() {
     part->setTypeName(partName);
     part->setRefdes(name);
     part->setPackageIndex(static_cast<std::int32_t>(packageNumber));
-    if (design.components.findByRefdes(TextString(name)) == nullptr) {
+    if (design.components.findByRefdes(name) == nullptr) {
         design.components.addPart(part);
         return true;
     }
