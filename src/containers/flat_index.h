@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 // HashOf: std::size_t operator()(const Item*), the hash an item was added
@@ -19,9 +20,10 @@ public:
     // The item added under hash for which matches(item) holds, or null.
     template <typename Matches>
     Item* find(std::size_t hash, Matches matches) const {
-        if (slots_.empty()) return nullptr;
-        for (std::size_t slot = spread(hash) & mask_;; slot = (slot + 1) & mask_) {
-            Item* item = slots_[slot];
+        if (!table_) return nullptr;
+        const std::size_t mask = table_->slots.size() - 1;
+        for (std::size_t slot = spread(hash) & mask;; slot = (slot + 1) & mask) {
+            Item* item = table_->slots[slot];
             if (item == nullptr) return nullptr;
             if (matches(item)) return item;
         }
@@ -29,18 +31,22 @@ public:
 
     // Adds item under hash; no item that matches it may be there.
     void add(std::size_t hash, Item* item) {
-        if ((used_ + 1) * 2 > slots_.size()) grow();
+        if (!table_) table_.reset(new Table);
+        if ((table_->used + 1) * 2 > table_->slots.size()) grow();
         place(hash, item);
-        ++used_;
+        ++table_->used;
     }
 
-    void clear() {
-        std::vector<Item*>().swap(slots_);
-        mask_ = 0;
-        used_ = 0;
-    }
+    void clear() { table_.reset(); }
 
 private:
+    // Apart from the index, so that the many lists that never grow long
+    // carry one pointer for it.
+    struct Table {
+        std::vector<Item*> slots;
+        std::size_t used = 0;
+    };
+
     // The hashes come from byte sums; their low bits pick the slot, so they
     // are mixed first (the finishing steps of MurmurHash3).
     static std::size_t spread(std::size_t hash) {
@@ -52,25 +58,23 @@ private:
     }
 
     void place(std::size_t hash, Item* item) {
-        std::size_t slot = spread(hash) & mask_;
-        while (slots_[slot] != nullptr) slot = (slot + 1) & mask_;
-        slots_[slot] = item;
+        std::vector<Item*>& slots = table_->slots;
+        const std::size_t mask = slots.size() - 1;
+        std::size_t slot = spread(hash) & mask;
+        while (slots[slot] != nullptr) slot = (slot + 1) & mask;
+        slots[slot] = item;
     }
 
     void grow() {
         std::vector<Item*> old;
-        old.swap(slots_);
-        const std::size_t size = old.empty() ? 16 : old.size() * 2;
-        slots_.assign(size, nullptr);
-        mask_ = size - 1;
+        old.swap(table_->slots);
+        table_->slots.assign(old.empty() ? 16 : old.size() * 2, nullptr);
         for (Item* item : old) {
             if (item != nullptr) place(HashOf()(item), item);
         }
     }
 
-    std::vector<Item*> slots_;
-    std::size_t mask_ = 0;
-    std::size_t used_ = 0;
+    std::unique_ptr<Table> table_;
 };
 
 // FNV-1a over a zero-terminated text, for the hashes given to a FlatIndex.

@@ -133,4 +133,4 @@ for way in full_path search_path; do
     done
     [ -z "$(ls -A "$scratch/tmp")" ] || fail "$way: left in TMP: $(ls -A "$scratch/tmp")"
 done
-echo "PASS: $name converts $(ls "$boards" | wc -l) boards by full path and through PATH, byte for byte; system DLLs only; version $version"
+echo "PASS: $name converts the boards ($(cd "$boards" && echo *.tgz)) by full path and through PATH, byte for byte; system DLLs only; version $version"
