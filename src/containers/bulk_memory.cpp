@@ -13,7 +13,8 @@ struct Block {
 };
 Block* lastBlock = nullptr;
 #else
-// A large page is 2 MiB on the common systems.
+// One system call a region: large enough that a board needs few, small
+// enough that a small job leaves little of the last one unused.
 constexpr std::size_t kRegionSize = std::size_t{2} << 20;
 char* next = nullptr;
 char* end = nullptr;

@@ -56,9 +56,10 @@ std::string pathExtension(const char* name);
 // as missing. Returns null when no file is found or it can't be opened.
 std::FILE* openJobFile(const char* path);
 
-// Memory that is never given back: size bytes, zeroed, in large pages where
-// the system offers them (a board's model touches hundreds of megabytes, and
-// a fault per small page costs more than filling it). Null on failure.
+// Memory that is never given back: size bytes, zeroed, faulted in at once
+// where the system allows it (a board's model touches hundreds of
+// megabytes, and a fault per page costs more than filling it). Null on
+// failure.
 void* allocateBulkMemory(std::size_t size);
 
 // --- The temporary folder -------------------------------------------------

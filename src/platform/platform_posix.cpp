@@ -159,28 +159,19 @@ std::FILE* openJobFile(const char* path) {
 }
 
 void* allocateBulkMemory(std::size_t size) {
-    // Large pages need 2 MiB alignment: map more and trim both ends.
-    constexpr std::size_t kLargePage = std::size_t{2} << 20;
-    const std::size_t mapped = size + kLargePage;
-    void* memory = mmap(nullptr, mapped, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    void* memory = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (memory == MAP_FAILED) return nullptr;
-    char* start = static_cast<char*>(memory);
-    char* aligned = reinterpret_cast<char*>((reinterpret_cast<std::uintptr_t>(start) + kLargePage - 1) &
-                                            ~std::uintptr_t{kLargePage - 1});
-    if (aligned > start) munmap(start, static_cast<std::size_t>(aligned - start));
-    char* tail = aligned + size;
-    char* mappedEnd = start + mapped;
-    if (mappedEnd > tail) munmap(tail, static_cast<std::size_t>(mappedEnd - tail));
-#ifdef MADV_HUGEPAGE
-    madvise(aligned, size, MADV_HUGEPAGE);  // a hint: refused, it costs nothing
-#endif
+    // Small pages on purpose: a large page must be a free run of 2 MiB,
+    // which a busy machine (or a virtual one, which hands the guest fresh
+    // memory lazily) often zeroes from scratch, at a cost that varied from
+    // run to run by a factor of ten. Small pages come from what was just
+    // freed, the unpacked tar among it.
 #ifdef MADV_POPULATE_WRITE
-    // A region is used from end to end soon after: faulted in by one call
-    // (in large pages where granted) it costs less, and above all varies
-    // less, than a fault at each first touch. An older kernel refuses it.
-    madvise(aligned, size, MADV_POPULATE_WRITE);
+    // A region is used from end to end soon after: faulted in by one call it
+    // costs less than a fault at each first touch. An older kernel refuses it.
+    madvise(memory, size, MADV_POPULATE_WRITE);
 #endif
-    return aligned;
+    return memory;
 }
 
 // --- Directory search ------------------------------------------------------
