@@ -89,6 +89,6 @@ int compareIgnoringCase(const char* a, const char* b);
 // isspace of the "C" locale, for a byte taken as a signed value: blank, tab,
 // line feed, vertical tab, form feed, carriage return. Bytes above 127 are
 // never white space.
-inline bool isWhiteSpace(char c) {
+constexpr bool isWhiteSpace(char c) {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }

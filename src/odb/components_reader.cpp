@@ -10,15 +10,9 @@
 #include "report/messages.h"
 #include "odb/job_reader.h"
 #include "odb/line_scanner.h"
-#include "odb/record_scan.h"
+#include "odb/record_scans.h"
 
 namespace {
-
-// Nothing reads a position, a rotation or a subnet number: those fields are
-// only checked for their form.
-const RecordFormat kCmpScan("%*s %ld %lf %lf %lf %c %2047s %2047s", 0x0E);
-const RecordFormat kPrpScan("%*s %2047s %2047s ");
-const RecordFormat kTopScan("%*s %ld %lf %lf %lf %c %ld %ld %2047s", 0x4E);
 
 // The state of one read of a components file; the areas start empty.
 struct ComponentsRead {
@@ -43,12 +37,11 @@ struct ComponentsRead {
 };
 
 bool ComponentsRead::cmp() {
+    // Nothing reads a position or a rotation: they are only checked for
+    // their form.
     long packageNumber = 0;
-    double x = 0, y = 0, rotation = 0;
     char mirror = 0;
-    if (kCmpScan.scan(line, &packageNumber, &x, &y, &rotation, &mirror, name, partName) != 7) {
-        return false;
-    }
+    if (scanCmpRecord(line, &packageNumber, &mirror, name, partName) != 7) return false;
     Part* part = new Part(nullptr);
     current = part;
     part->assign(sideLetter);
@@ -90,7 +83,7 @@ void ComponentsRead::copyQuotedValue() {
 void ComponentsRead::prp() {
     // No result of this scan ends the record: a missing word leaves the area
     // as the last record left it.
-    kPrpScan.scan(line, name, propertyValue);
+    scanPrpRecord(line, name, propertyValue);
     enum { kNone, kValue, kManufacturerPartNo, kPartName } property = kNone;
     if (std::strcmp(name, "VALUE") == 0) property = kValue;
     else if (std::strcmp(name, "MANUFACTURER_PART_NO.") == 0) property = kManufacturerPartNo;
@@ -107,12 +100,9 @@ void ComponentsRead::prp() {
 
 bool ComponentsRead::top() {
     if (current == nullptr) return false;
-    long pinNumber = 0, netNumber = 0, subnetNumber = 0;
-    double x = 0, y = 0, rotation = 0;
+    long pinNumber = 0, netNumber = 0;
     char mirror = 0;
-    if (kTopScan.scan(line, &pinNumber, &x, &y, &rotation, &mirror, &netNumber, &subnetNumber, pinText) != 8) {
-        return false;
-    }
+    if (scanTopRecord(line, &pinNumber, &mirror, &netNumber, pinText) != 8) return false;
     current->pins.addItem(new PartPin("DUMMY", static_cast<std::int32_t>(pinNumber),
                                       static_cast<std::int32_t>(netNumber), pinText));
     return true;

@@ -9,17 +9,9 @@
 #include "design/run_lifetime.h"
 #include "odb/job_reader.h"
 #include "odb/line_scanner.h"
-#include "odb/record_scan.h"
+#include "odb/record_scans.h"
 
 namespace {
-
-// The scans of the records, each bounded by its area.
-const RecordFormat kNetScan("%*s %2047s %2047s");
-// "%*s %15s" gives an SNT record's kind, and "%*s %*s %c %2047s %ld" the
-// rest of one of kind TOP. A kind that is TOP was a whole word, so one scan
-// gives both, the rest's result one higher.
-const RecordFormat kSntScan("%*s %15s %c %2047s %ld");
-const RecordFormat kNameScan("%*s %2047s");
 
 // The state of one read of eda/data.
 struct EdaRead {
@@ -48,7 +40,7 @@ struct EdaRead {
 };
 
 bool EdaRead::net() {
-    if (kNetScan.scan(line, netName, secondWord) < 1) return false;
+    if (scanNetRecord(line, netName, secondWord) < 1) return false;
     // "NET GND ;;ID=7" names GND; "NET GND A" names GNDA.
     TextString name(netName);
     if (secondWord[0] != '\0' && secondWord[0] != ';') name.append(secondWord);
@@ -69,19 +61,22 @@ bool EdaRead::snt() {
     if (currentNet == nullptr) return true;
     char side = 0;
     long pinIndex = 0;
-    const int result = kSntScan.scan(line, firstWord, &side, numberWord, &pinIndex);
+    // "%*s %15s" gives the kind; a kind that is TOP was a whole word, so the
+    // same scan goes on with the rest of a SNT TOP record, its result one
+    // higher than that of "%*s %*s %c %2047s %ld".
+    const int result = scanSntRecord(line, firstWord, &side, numberWord, &pinIndex);
     if (result < 1) return false;
     if (scanner.lookup(firstWord) != EdaScanner::kTop) return true;
     if (result != 4) return false;
     // "SNT TOP T 12 3" ties the net to pin index 3 of component T12.
     keyText[0] = side;
     std::strcpy(keyText + 1, numberWord);
-    currentNet->addNetPin(makeForRun<NetPin>(TextString(keyText), static_cast<std::int32_t>(pinIndex)));
+    currentNet->addNetPin(makeForRun<NetPin>(static_cast<const char*>(keyText), static_cast<std::int32_t>(pinIndex)));
     return true;
 }
 
 bool EdaRead::pkg() {
-    if (kNameScan.scan(line, packageName) != 1) return false;
+    if (scanNameRecord(line, packageName) != 1) return false;
     currentNet = nullptr;
     Part* package = new Part(packageName);
     currentPackage = package;
@@ -94,7 +89,7 @@ bool EdaRead::pkg() {
 bool EdaRead::pin() {
     currentNet = nullptr;
     if (currentPackage == nullptr) return false;
-    if (kNameScan.scan(line, pinName) != 1) return false;
+    if (scanNameRecord(line, pinName) != 1) return false;
     TextString name(pinName);
     while (currentPackage->pins.findPinByName(name) != nullptr) name.append("_");
     currentPackage->pins.addItem(new PartPin(name, 0, 0));

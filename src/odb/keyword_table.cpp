@@ -7,22 +7,16 @@ char lowered(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) :
 }  // namespace
 
 bool KeywordTable::pack(const char* word, bool lower, std::uint64_t* low, std::uint64_t* high) {
-    // Little-endian order by shifts, whatever the machine's byte order.
-    std::uint64_t bytes[2] = {0, 0};
+    PackedWord packed;
     if (word != nullptr) {
-        for (unsigned i = 0; word[i] != '\0'; ++i) {
+        for (int i = 0; word[i] != '\0'; ++i) {
             if (i == 15) return false;
-            const char c = lower ? lowered(word[i]) : word[i];
-            bytes[i / 8] |= std::uint64_t{static_cast<unsigned char>(c)} << (i % 8 * 8);
+            packed.put(i, lower ? lowered(word[i]) : word[i]);
         }
     }
-    *low = bytes[0];
-    *high = bytes[1];
+    *low = packed.low;
+    *high = packed.high;
     return true;
-}
-
-int KeywordTable::slotOf(std::uint64_t low, std::uint64_t high) {
-    return static_cast<int>(((low + high * 0x9E3779B97F4A7C15ULL) * 0xBF58476D1CE4E5B9ULL) >> 58);  // 64 slots
 }
 
 void KeywordTable::insert(Slot* table, std::uint64_t low, std::uint64_t high, std::int32_t code) {
@@ -33,14 +27,6 @@ void KeywordTable::insert(Slot* table, std::uint64_t low, std::uint64_t high, st
             return;
         }
         if (slot.low == low && slot.high == high) return;  // the first entry wins
-    }
-}
-
-const KeywordTable::Slot* KeywordTable::find(const Slot* table, std::uint64_t low, std::uint64_t high) {
-    for (int i = slotOf(low, high);; i = (i + 1) % kSlots) {
-        const Slot& slot = table[i];
-        if (!slot.used) return nullptr;
-        if (slot.low == low && slot.high == high) return &slot;
     }
 }
 
@@ -80,4 +66,10 @@ std::int32_t KeywordTable::walk(const char* word, bool caseSensitive, std::int32
         if (node->record.keyword.compare(word, caseSensitive) == 0) return node->record.code;
     }
     return notFound;
+}
+
+std::int32_t KeywordTable::walkPacked(const PackedWord& word, std::int32_t notFound) {
+    char text[16] = {};
+    for (int i = 0; i < 15; ++i) text[i] = static_cast<char>((i < 8 ? word.low : word.high) >> (i % 8 * 8));
+    return walk(text, true, notFound);
 }

@@ -15,21 +15,6 @@ bool LineScanner::open(const TextString& path, Design* target) {
     return true;
 }
 
-const char* LineScanner::nextLine() {
-    if (endOfFile) return nullptr;
-    for (;;) {
-        const char* piece = pieces_.next();
-        if (piece == nullptr) {
-            endOfFile = true;
-            return nullptr;
-        }
-        ++lineCounter;
-        const char first = piece[0];
-        const bool skip = first == '#' || first == '\n' || first == '\r' || (skipAtLines_ && first == '@');
-        if (!skip) return piece;
-    }
-}
-
 std::int32_t LineScanner::readLine(TextString& line) {
     const char* text = nextLine();
     if (text == nullptr) return -1;
@@ -61,20 +46,6 @@ void EdaScanner::fillTable(KeywordTable& table) {
         {"VIA", 23}, {"TRC", 24}, {"PLN", 25},   {"# NET", 26},
     };
     for (const auto& entry : kEntries) table.add(entry.keyword, entry.code);
-}
-
-int scanFirstWord(const char* line, char* firstWord) {
-    // Every line is scanned so: done here directly, as RecordFormat would.
-    const char* p = line;
-    while (isWhiteSpace(*p)) ++p;
-    if (*p == '\0') return -1;
-    int length = 0;
-    while (length < kFirstWordArea - 1 && p[length] != '\0' && !isWhiteSpace(p[length])) {
-        firstWord[length] = p[length];
-        ++length;
-    }
-    firstWord[length] = '\0';
-    return 1;
 }
 
 std::int32_t fileExists(const TextString& path) {

@@ -31,11 +31,24 @@ public:
     bool open(const TextString& path, Design* design);
     // The next line that is not skipped, valid until the next read; null at
     // the end of the file.
-    const char* nextLine();
+    const char* nextLine() {
+        if (endOfFile) return nullptr;
+        for (;;) {
+            const char* piece = pieces_.next();
+            if (piece == nullptr) {
+                endOfFile = true;
+                return nullptr;
+            }
+            ++lineCounter;
+            const char first = piece[0];
+            if (first != '#' && first != '\n' && first != '\r' && (first != '@' || !skipAtLines_)) return piece;
+        }
+    }
     // 0 with a copy of nextLine in line; -1 at the end of the file (line
     // unchanged).
     std::int32_t readLine(TextString& line);
     std::int32_t lookup(const char* word) { return keywords.lookup(word, true, notFound_); }
+    std::int32_t lookup(const PackedWord& word) { return keywords.lookupExact(word, notFound_); }
     void close();
 
     std::FILE* file = nullptr;
@@ -75,19 +88,37 @@ private:
     static void fillTable(KeywordTable& table);
 };
 
-// The formatted scan "%15s" of a line into firstWord (kFirstWordArea bytes).
-int scanFirstWord(const char* line, char* firstWord);
+// The formatted scan "%15s" of a line into firstWord (kFirstWordArea
+// bytes): 1, with the word also packed into word; or -1 for a line of
+// blanks, which leaves both alone.
+inline int scanFirstWord(const char* line, char* firstWord, PackedWord* word) {
+    const char* p = line;
+    while (isWhiteSpace(*p)) ++p;
+    if (*p == '\0') return -1;
+    PackedWord packed;
+    int length = 0;
+    for (; length < kFirstWordArea - 1 && p[length] != '\0' && !isWhiteSpace(p[length]); ++length) {
+        firstWord[length] = p[length];
+        packed.put(length, p[length]);
+    }
+    firstWord[length] = '\0';
+    *word = packed;
+    return 1;
+}
 
 // Reads the file to its end. The first word of each line goes into
 // firstWord and the line with the word's code to handle(line, code), which
 // returns false when its record ends the read. A line of blanks scans no
-// word, so the last word is dispatched again. 0 at the end of the file,
-// else 1.
+// word, so the word in the area (the last one scanned there) is dispatched
+// again. The scan never gives 0, which would end the read. 0 at the end of
+// the file, else 1.
 template <typename Handler>
 std::int32_t readRecords(LineScanner& scanner, char* firstWord, Handler handle) {
     while (const char* line = scanner.nextLine()) {
-        if (scanFirstWord(line, firstWord) == 0) return 1;
-        if (!handle(line, scanner.lookup(firstWord))) return 1;
+        PackedWord word;
+        const std::int32_t code =
+            scanFirstWord(line, firstWord, &word) > 0 ? scanner.lookup(word) : scanner.lookup(firstWord);
+        if (!handle(line, code)) return 1;
     }
     return 0;
 }

@@ -8,44 +8,25 @@
 
 namespace {
 
-constexpr int kUnsure = -2;
+constexpr int kUnsure = FieldScan::kUnsure;
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
+using scanstep::isDigit;
 
-// Byte classes, so that the loops over a line's bytes test one table entry:
-// white space as isWhiteSpace says, and the end of a %s word (white space
-// or the terminator).
-constexpr unsigned char kSpace = 1;
-constexpr unsigned char kWordEnd = 2;
+}  // namespace
 
-struct ByteClasses {
-    unsigned char of[256] = {};
-    constexpr ByteClasses() {
-        for (int c = '\t'; c <= '\r'; ++c) of[c] = kSpace | kWordEnd;
-        of[static_cast<unsigned char>(' ')] = kSpace | kWordEnd;
-        of[0] = kWordEnd;
-    }
-};
-constexpr ByteClasses kClasses;
+namespace scanstep {
 
-bool endsWord(char c) { return (kClasses.of[static_cast<unsigned char>(c)] & kWordEnd) != 0; }
-
-const char* skipSpace(const char* p) {
-    while ((kClasses.of[static_cast<unsigned char>(*p)] & kSpace) != 0) ++p;
-    return p;
-}
-
-// The end of a plain decimal token at p ([+-]digits, or with a fraction and
-// an exponent when real), or null when the token is anything else.
 const char* plainNumberEnd(const char* p, bool real) {
     if (*p == '+' || *p == '-') ++p;
-    int digits = 0;
-    while (isDigit(*p)) ++p, ++digits;
+    const char* digits = p;
+    while (isDigit(*p)) ++p;
+    std::ptrdiff_t count = p - digits;
     if (real && *p == '.') {
-        ++p;
-        while (isDigit(*p)) ++p, ++digits;
+        const char* fraction = ++p;
+        while (isDigit(*p)) ++p;
+        count += p - fraction;
     }
-    if (digits == 0 || digits > 18) return nullptr;
+    if (count == 0 || count > 18) return nullptr;
     if (real && (*p == 'e' || *p == 'E')) {
         ++p;
         if (*p == '+' || *p == '-') ++p;
@@ -57,9 +38,9 @@ const char* plainNumberEnd(const char* p, bool real) {
     return p;
 }
 
-// The value of a plain decimal token, exact: a mantissa below 2^53 and a
-// power of ten up to 10^22 are both exact doubles, so one multiplication or
-// division rounds correctly, as strtod does. Other tokens go to strtod.
+// A mantissa below 2^53 and a power of ten up to 10^22 are both exact
+// doubles, so one multiplication or division rounds correctly, as strtod
+// does. Other tokens go to strtod.
 double decimalValue(const char* p) {
     static const double kPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
                                      1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
@@ -77,22 +58,7 @@ double decimalValue(const char* p) {
     return negative ? -value : value;
 }
 
-// A plain integer token at p ([+-]digits, at most 18 of them, which can't
-// overflow: what strtol gives) into value; its end, or null when the token
-// is anything else.
-const char* plainInteger(const char* p, long* value) {
-    const bool negative = *p == '-';
-    if (*p == '+' || *p == '-') ++p;
-    const char* digits = p;
-    unsigned long long magnitude = 0;
-    for (; isDigit(*p); ++p) magnitude = magnitude * 10 + static_cast<unsigned>(*p - '0');
-    // A value beyond long (32 bits on some systems) is left to sscanf.
-    if (p == digits || p - digits > 18 || !endsWord(*p) || magnitude > LONG_MAX) return nullptr;
-    *value = negative ? -static_cast<long>(magnitude) : static_cast<long>(magnitude);
-    return p;
-}
-
-}  // namespace
+}  // namespace scanstep
 
 RecordFormat::RecordFormat(const char* format, std::uint32_t unusedValues) : format_(format) {
     int assignedField = 0;
@@ -161,63 +127,45 @@ int RecordFormat::scan(const char* text, ...) const {
 }
 
 int RecordFormat::scanDirectly(const char* text, std::va_list arguments) const {
+    using scanstep::Outcome;
     const char* p = text;
     int assigned = 0;
-    // Input ran out: -1 before the first assignment, as sscanf says.
-    const int ended = -1;
     for (int s = 0; s < stepCount_; ++s) {
         const Step& step = steps_[s];
-        if (step.kind == Kind::Blank) {
-            p = skipSpace(p);
-            continue;
-        }
-        if (step.kind == Kind::Character) {
-            // No blanks skipped: "%c" takes a blank too.
-            if (*p == '\0') return assigned == 0 ? ended : assigned;
-            if (step.store) *va_arg(arguments, char*) = *p, ++assigned;
-            ++p;
-            continue;
-        }
-        p = skipSpace(p);
-        if (*p == '\0') return assigned == 0 ? ended : assigned;
-        if (step.kind == Kind::Word) {
-            std::int32_t room = step.width;
-            if (step.store) {
-                char* out = va_arg(arguments, char*);
-                while (room-- > 0 && !endsWord(*p)) *out++ = *p++;
-                *out = '\0';
-                ++assigned;
-            } else {
-                while (room-- > 0 && !endsWord(*p)) ++p;
-            }
-            continue;
-        }
-        if (step.kind == Kind::Real) {
-            const char* end = plainNumberEnd(p, true);
-            if (end == nullptr) return kUnsure;
-            if (step.store) {
+        Outcome outcome = Outcome::kDone;
+        switch (step.kind) {
+            case Kind::Blank:
+                p = scanstep::skipSpace(p);
+                continue;
+            case Kind::Character:
+                outcome = scanstep::character(p, step.store ? va_arg(arguments, char*) : nullptr);
+                break;
+            case Kind::Word:
+                outcome = scanstep::word(p, step.store ? va_arg(arguments, char*) : nullptr, step.width);
+                break;
+            case Kind::Real: {
                 // The area is taken even when its value is not wanted.
-                double* out = va_arg(arguments, double*);
-                if (step.convert) *out = decimalValue(p);
-                ++assigned;
+                double* out = step.store ? va_arg(arguments, double*) : nullptr;
+                outcome = scanstep::real(p, step.convert ? out : nullptr);
+                break;
             }
-            p = end;
-            continue;
-        }
-        long value = 0;
-        const char* end = plainInteger(p, &value);
-        if (end == nullptr) return kUnsure;
-        if (step.store) {
-            if (step.kind == Kind::Long) {
-                long* out = va_arg(arguments, long*);
-                if (step.convert) *out = value;
-            } else {
-                int* out = va_arg(arguments, int*);
-                if (step.convert) *out = static_cast<int>(value);
+            case Kind::Long: {
+                long* out = step.store ? va_arg(arguments, long*) : nullptr;
+                outcome = scanstep::integer(p, step.convert ? out : nullptr);
+                break;
             }
-            ++assigned;
+            case Kind::Int: {
+                int* out = step.store ? va_arg(arguments, int*) : nullptr;
+                long value = 0;
+                outcome = scanstep::integer(p, &value);
+                if (outcome == Outcome::kDone && step.convert) *out = static_cast<int>(value);
+                break;
+            }
         }
-        p = end;
+        // Input ran out: -1 before the first assignment, as sscanf says.
+        if (outcome == Outcome::kEnded) return assigned == 0 ? -1 : assigned;
+        if (outcome == Outcome::kUnsure) return kUnsure;
+        if (step.store) ++assigned;
     }
     return assigned;
 }
