@@ -1,8 +1,11 @@
 // FlatIndex: pointers to items in one open-addressing table, for the
 // lookups a board makes by the hundred thousand (a component by its
-// reference, a connection by its key and pin). One array of pointers, grown
+// reference, a connection by its key and pin). One array of slots, grown
 // by doubling, instead of a heap node per entry: fresh memory is what a large
-// board pays for most. The items stay where they are; the caller gives the
+// board pays for most. Each slot keeps the hash its item was added under,
+// so that a search looks at an item only when the hashes agree and growing
+// never looks at one: the items lie all over the model, and each look is a
+// likely cache miss. The items stay where they are; the caller gives the
 // hash of each and says which stored item matches, and it keeps one item a
 // key: it finds before it adds.
 #pragma once
@@ -12,9 +15,7 @@
 #include <memory>
 #include <vector>
 
-// HashOf: std::size_t operator()(const Item*), the hash an item was added
-// under, for regrowing.
-template <typename Item, typename HashOf>
+template <typename Item>
 class FlatIndex {
 public:
     // The item added under hash for which matches(item) holds, or null.
@@ -22,10 +23,10 @@ public:
     Item* find(std::size_t hash, Matches matches) const {
         if (!table_) return nullptr;
         const std::size_t mask = table_->slots.size() - 1;
-        for (std::size_t slot = spread(hash) & mask;; slot = (slot + 1) & mask) {
-            Item* item = table_->slots[slot];
-            if (item == nullptr) return nullptr;
-            if (matches(item)) return item;
+        for (std::size_t at = spread(hash) & mask;; at = (at + 1) & mask) {
+            const Slot& slot = table_->slots[at];
+            if (slot.item == nullptr) return nullptr;
+            if (slot.hash == hash && matches(slot.item)) return slot.item;
         }
     }
 
@@ -33,17 +34,21 @@ public:
     void add(std::size_t hash, Item* item) {
         if (!table_) table_.reset(new Table);
         if ((table_->used + 1) * 2 > table_->slots.size()) grow();
-        place(hash, item);
+        place(Slot{hash, item});
         ++table_->used;
     }
 
     void clear() { table_.reset(); }
 
 private:
+    struct Slot {
+        std::size_t hash;
+        Item* item;
+    };
     // Apart from the index, so that the many lists that never grow long
     // carry one pointer for it.
     struct Table {
-        std::vector<Item*> slots;
+        std::vector<Slot> slots;
         std::size_t used = 0;
     };
 
@@ -57,20 +62,20 @@ private:
         return static_cast<std::size_t>(mixed);
     }
 
-    void place(std::size_t hash, Item* item) {
-        std::vector<Item*>& slots = table_->slots;
+    void place(const Slot& slot) {
+        std::vector<Slot>& slots = table_->slots;
         const std::size_t mask = slots.size() - 1;
-        std::size_t slot = spread(hash) & mask;
-        while (slots[slot] != nullptr) slot = (slot + 1) & mask;
-        slots[slot] = item;
+        std::size_t at = spread(slot.hash) & mask;
+        while (slots[at].item != nullptr) at = (at + 1) & mask;
+        slots[at] = slot;
     }
 
     void grow() {
-        std::vector<Item*> old;
+        std::vector<Slot> old;
         old.swap(table_->slots);
-        table_->slots.assign(old.empty() ? 16 : old.size() * 2, nullptr);
-        for (Item* item : old) {
-            if (item != nullptr) place(HashOf()(item), item);
+        table_->slots.assign(old.empty() ? 16 : old.size() * 2, Slot{0, nullptr});
+        for (const Slot& slot : old) {
+            if (slot.item != nullptr) place(slot);
         }
     }
 

@@ -189,16 +189,25 @@ public:
         return item;
     }
 
-    // Deletes every item with its own destructor, then frees the nodes.
+    // Deletes every item with its own destructor, then frees the nodes. One
+    // walk does both, in list order: fetching the items one index after the
+    // other would step along the same nodes, and a large board's model is
+    // released in one piece at the end of a run.
     void clearItems() {
-        for (std::int32_t i = 0; i < this->count; ++i) {
-            Node* node = this->nodeAt(i);
-            if (node != nullptr) {
-                delete node->item;
-                node->item = nullptr;
-            }
+        if (this->count > 0) {
+            // What the last of those fetches would leave.
+            this->lastWalkStart = WalkStart::None;
+            this->lastWalkSteps = 0;
         }
-        this->clearNodes();
+        for (Node* node = this->head; node != nullptr;) {
+            Node* next = node->next;
+            delete node->item;
+            delete node;
+            node = next;
+        }
+        this->head = this->tail = this->position = nullptr;
+        this->positionIndex = 0;
+        this->count = 0;
     }
 };
 

@@ -2,7 +2,7 @@
 
 #include "design/design.h"
 
-std::size_t NetPinList::ConnectionHash::operator()(const NetPin* pin) const {
+std::size_t NetPinList::connectionHash(const NetPin* pin) {
     const std::uint64_t hash = hashText(pin->key.text());
     return static_cast<std::size_t>((hash ^ static_cast<std::uint32_t>(pin->pinIndex)) * 1099511628211ULL);
 }
@@ -13,7 +13,7 @@ NetPin* NetPinList::addNetPin(NetPin* pin) {
         return other->pinIndex == pin->pinIndex && other->key.equals(pin->key);
     };
     if (count >= kIndexFrom) {
-        const std::size_t hash = ConnectionHash()(pin);
+        const std::size_t hash = connectionHash(pin);
         if (seen_.find(hash, sameConnection) != nullptr) return nullptr;
         seen_.add(hash, pin);
     } else {
@@ -23,7 +23,7 @@ NetPin* NetPinList::addNetPin(NetPin* pin) {
     }
     addItem(pin);
     if (count == kIndexFrom) {
-        for (Node* node = head; node != nullptr; node = node->next) seen_.add(ConnectionHash()(node->item), node->item);
+        for (Node* node = head; node != nullptr; node = node->next) seen_.add(connectionHash(node->item), node->item);
     }
     return pin;
 }

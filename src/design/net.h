@@ -13,11 +13,15 @@
 
 class Design;
 class NetlistLookup;
+class PinCursor;
 class TextOutput;
 
 class NetPin {
 public:
     NetPin(TextString key, std::int32_t pinIndex) : key(key), pinIndex(pinIndex) {}
+    // The same from the key's text, without the copies a TextString by value
+    // makes: a board has a net pin for every connection.
+    NetPin(const char* key, std::int32_t pinIndex) : key(key), pinIndex(pinIndex) {}
 
     TextString key;  // the record's spare text, always empty, is not stored
     std::int32_t pinIndex;
@@ -31,13 +35,11 @@ public:
     NetPin* addNetPin(NetPin* pin);
 
 private:
-    struct ConnectionHash {
-        std::size_t operator()(const NetPin* pin) const;
-    };
+    static std::size_t connectionHash(const NetPin* pin);
     static constexpr std::int32_t kIndexFrom = 8;
     // The pins of a long list by key and index, filled once the list is
     // long; they live as long as the run.
-    FlatIndex<NetPin, ConnectionHash> seen_;
+    FlatIndex<NetPin> seen_;
 };
 
 class Net : public NamedItem {
@@ -46,7 +48,7 @@ public:
 
     NetPin* addNetPin(NetPin* pin) { return pins.addNetPin(pin); }
     // The net's block of the NETLIST section.
-    void write(TextOutput& out, NetlistLookup& lookup);
+    void write(TextOutput& out, NetlistLookup& lookup, PinCursor& cursor);
 
     Design* owner = nullptr;
     NetPinList pins;

@@ -10,10 +10,6 @@ PartPin::PartPin(TextString name, std::int32_t pinNumber, std::int32_t netNumber
 PartPin::PartPin(const char* name, std::int32_t pinNumber, std::int32_t netNumber, const char* pinText)
     : NamedItem(name), pinNumber(pinNumber), netNumber(netNumber), pinText(pinText) {}
 
-std::size_t PartPinList::NameHash::operator()(const PartPin* pin) const {
-    return static_cast<std::size_t>(hashText(pin->text()));
-}
-
 PartPin* PartPinList::findPinByName(const char* text) {
     const char* wanted = text == nullptr ? "" : text;
     const auto named = [wanted](const PartPin* pin) { return std::strcmp(pin->text(), wanted) == 0; };
@@ -22,7 +18,7 @@ PartPin* PartPinList::findPinByName(const char* text) {
         // pin of a name keeps it.
         for (Node* node = lastIndexed_ == nullptr ? head : lastIndexed_->next; node != nullptr; node = node->next) {
             const char* name = node->item->text();
-            const std::size_t hash = NameHash()(node->item);
+            const std::size_t hash = static_cast<std::size_t>(hashText(name));
             if (byName_.find(hash, [name](const PartPin* pin) { return std::strcmp(pin->text(), name) == 0; }) ==
                 nullptr) {
                 byName_.add(hash, node->item);
@@ -65,10 +61,6 @@ void Part::setRefdes(const char* text) {
     if (list_ != nullptr) list_->refdesChanged();
 }
 
-std::size_t PartList::RefdesHash::operator()(const Part* part) const {
-    return static_cast<std::size_t>(hashText(part->refdes.text()));
-}
-
 Part* PartList::addPart(Part* part) {
     if (addItem(part) == nullptr) return nullptr;
     part->owner = owner;
@@ -85,7 +77,8 @@ Part* PartList::findByRefdes(const char* text) {
 // The first Part of a refdes stays in the index; a later one with the same
 // refdes is found through it.
 void PartList::indexRefdes(Part* part) {
-    if (findIndexed(part->refdes.text()) == nullptr) byRefdes_.add(RefdesHash()(part), part);
+    const char* refdes = part->refdes.text();
+    if (findIndexed(refdes) == nullptr) byRefdes_.add(static_cast<std::size_t>(hashText(refdes)), part);
 }
 
 Part* PartList::findIndexed(const char* text) const {

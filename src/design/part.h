@@ -55,10 +55,7 @@ private:
     static constexpr std::int32_t kIndexFrom = 16;
     // Filled on the first search of a long list: only packages are searched,
     // and a component's many "DUMMY" pins need no index.
-    struct NameHash {
-        std::size_t operator()(const PartPin* pin) const;
-    };
-    FlatIndex<PartPin, NameHash> byName_;
+    FlatIndex<PartPin> byName_;
     Node* lastIndexed_ = nullptr;
 
     void forgetIndex() {
@@ -129,10 +126,7 @@ private:
     void indexRefdes(Part* part);
     Part* findIndexed(const char* text) const;
 
-    struct RefdesHash {
-        std::size_t operator()(const Part* part) const;
-    };
     // refdes -> first Part with it, kept exact through Part::setRefdes.
-    FlatIndex<Part, RefdesHash> byRefdes_;
+    FlatIndex<Part> byRefdes_;
     bool indexValid_ = true;
 };
