@@ -31,7 +31,7 @@
 namespace {
 
 // A hint to the cache that address will be read soon; never a fault.
-inline void prefetch(const void* address) {
+inline void prefetchLine(const void* address) {
 #if defined(__GNUC__) || defined(__clang__)
     __builtin_prefetch(address);
 #else
@@ -57,9 +57,9 @@ NetlistLookup::NetlistLookup(Design& design) {
     const std::size_t count = static_cast<std::size_t>(design.components.itemCount());
     numberLimit_ = 2 * count + 16;
     parts_.reserve(count);
-    // Room for components of some 15 pins on average: capacity that is never
+    // Room for components of some 18 pins on average: capacity that is never
     // touched costs address space only, and a move of the blocks is saved.
-    blocks_.reserve(count * 48);
+    blocks_.reserve(count * 64);
     std::size_t i = 0;
     for (auto* node = design.components.head; node != nullptr; node = node->next, ++i) {
         const Part* part = node->item;
@@ -80,46 +80,16 @@ NetlistLookup::NetlistLookup(Design& design) {
     for (auto* node = design.packages.head; node != nullptr; node = node->next) {
         packagePins_.push_back(node->item->pins.itemCount());
     }
-    aheadNet_ = design.nets.head;
-    while (aheadNet_ != nullptr && aheadNet_->item->pins.head == nullptr) aheadNet_ = aheadNet_->next;
-    if (aheadNet_ != nullptr) aheadPin_ = aheadNet_->item->pins.head;
-    for (std::size_t step = 0; step < 2 * kAhead; ++step) prefetchAhead();
-}
-
-void NetlistLookup::prefetchAhead() {
-    Waiting& waiting = waiting_[waitingAt_];
-    if (waiting.slot != nullptr && *waiting.slot != kNone) {
-        const std::uint32_t* block = blocks_.data() + *waiting.slot;
-        prefetch(block);
-        const std::size_t entry = Component::kPinTexts + static_cast<std::uint32_t>(waiting.pinIndex);
-        // Pin index checks come later: an entry outside the block is only not fetched.
-        if (entry < blocks_.size() - *waiting.slot) prefetch(block + entry);
-    }
-    waiting.slot = nullptr;
-    if (aheadPin_ != nullptr) {
-        const NetPin* pin = aheadPin_->item;
-        int side = 0;
-        std::size_t number = 0;
-        if (numberedKey(pin->key.text(), &side, &number) && number < byNumber_[side].size()) {
-            waiting.slot = &byNumber_[side][number];
-            waiting.pinIndex = pin->pinIndex;
-            prefetch(waiting.slot);
-        }
-        aheadPin_ = aheadPin_->next;
-        while (aheadPin_ == nullptr && aheadNet_ != nullptr) {
-            aheadNet_ = aheadNet_->next;
-            if (aheadNet_ != nullptr) aheadPin_ = aheadNet_->item->pins.head;
-        }
-    }
-    waitingAt_ = (waitingAt_ + 1) % kAhead;
 }
 
 std::uint32_t NetlistLookup::addBlock(const Part& part, std::size_t componentIndex) {
     const std::size_t start = blocks_.size();
     const std::size_t pinCount = static_cast<std::size_t>(part.pins.itemCount());
     const std::size_t refdesLength = static_cast<std::size_t>(part.refdes.length());
-    const std::size_t textsFrom = (Component::kPinTexts + pinCount + 1) * sizeof(std::uint32_t);
-    std::size_t bytes = textsFrom + refdesLength + 1;
+    // "%-16s  ": the refdes, blanks up to 16, two more.
+    const std::size_t fieldLength = (refdesLength > 16 ? refdesLength : 16) + 2;
+    const std::size_t textsFrom = (Component::kPins + 2 * pinCount + 1) * sizeof(std::uint32_t);
+    std::size_t bytes = textsFrom + fieldLength + 1;
     for (auto* pin = part.pins.head; pin != nullptr; pin = pin->next) {
         bytes += static_cast<std::size_t>(pin->item->pinText.length()) + 1;
     }
@@ -134,15 +104,19 @@ std::uint32_t NetlistLookup::addBlock(const Part& part, std::size_t componentInd
     block[Component::kPackageIndex] = static_cast<std::uint32_t>(part.packageIndex);
     block[Component::kComponentIndex] = static_cast<std::uint32_t>(componentIndex);
     std::size_t offset = textsFrom;
-    block[Component::kRefdes] = static_cast<std::uint32_t>(offset);
-    std::memcpy(base + offset, part.refdes.text(), refdesLength + 1);
-    offset += refdesLength + 1;
-    std::size_t k = Component::kPinTexts;
-    for (auto* pin = part.pins.head; pin != nullptr; pin = pin->next, ++k) {
+    block[Component::kField] = static_cast<std::uint32_t>(offset);
+    std::memcpy(base + offset, part.refdes.text(), refdesLength);
+    std::memset(base + offset + refdesLength, ' ', fieldLength - refdesLength);
+    base[offset + fieldLength] = '\0';
+    offset += fieldLength + 1;
+    std::size_t k = Component::kPins;
+    for (auto* pin = part.pins.head; pin != nullptr; pin = pin->next, k += 2) {
         const TextString& text = pin->item->pinText;
         const std::size_t length = static_cast<std::size_t>(text.length());
-        block[k] = static_cast<std::uint32_t>(offset);
         std::memcpy(base + offset, text.text(), length + 1);
+        const char* stripped = stripPinPrefix(refdesLength, base + offset, length);
+        block[k] = static_cast<std::uint32_t>(offset);
+        block[k + 1] = static_cast<std::uint32_t>(stripped != nullptr ? stripped - base : offset);
         offset += length + 1;
     }
     block[k] = static_cast<std::uint32_t>(offset);
@@ -165,23 +139,54 @@ bool NetlistLookup::numberedKey(const char* key, int* side, std::size_t* number)
     return true;
 }
 
-bool NetlistLookup::componentByKey(const TextString& key, Component* component) const {
+std::uint32_t NetlistLookup::resolve(const char* key) const {
     int side = 0;
     std::size_t number = 0;
-    std::uint32_t start = kNone;
-    if (numberedKey(key.text(), &side, &number)) {
-        if (number < byNumber_[side].size()) start = byNumber_[side][number];
-    } else {
-        const auto found = otherKeys_.find(key.text());
-        if (found != otherKeys_.end()) start = found->second;
+    if (numberedKey(key, &side, &number)) return number < byNumber_[side].size() ? byNumber_[side][number] : kNone;
+    const auto found = otherKeys_.find(key);
+    return found != otherKeys_.end() ? found->second : kNone;
+}
+
+void NetlistLookup::prefetch(std::uint32_t place, std::int32_t pinIndex) const {
+    if (place == kNone) return;
+    const std::uint32_t* block = blocks_.data() + place;
+    // The counts, and most often the texts in the next line.
+    prefetchLine(block);
+    if (blocks_.size() - place > 16) prefetchLine(block + 16);
+    // Pin index checks come later: an entry outside the block is only not fetched.
+    const std::size_t entry = Component::kPins + 2 * static_cast<std::size_t>(static_cast<std::uint32_t>(pinIndex));
+    if (entry < blocks_.size() - place) prefetchLine(block + entry);
+}
+
+PinCursor::PinCursor(NetList& nets, const NetlistLookup& lookup) : lookup_(lookup), net_(nets.head) {
+    if (net_ != nullptr) pin_ = net_->item->pins.head;
+    for (std::size_t i = 0; i < kAhead; ++i) resolveNext();
+}
+
+void PinCursor::resolveNext() {
+    while (pin_ == nullptr && net_ != nullptr) {
+        net_ = net_->next;
+        if (net_ != nullptr) pin_ = net_->item->pins.head;
     }
-    if (start == kNone) return false;
-    *component = Component(blocks_.data() + start);
-    return true;
+    std::uint32_t place = NetlistLookup::kNone;
+    if (pin_ != nullptr) {
+        const NetPin* pin = pin_->item;
+        place = lookup_.resolve(pin->key.text());
+        lookup_.prefetch(place, pin->pinIndex);
+        pin_ = pin_->next;
+    }
+    places_[next_] = place;
+    next_ = (next_ + 1) % kAhead;
+}
+
+std::uint32_t PinCursor::take() {
+    const std::uint32_t place = places_[next_];
+    resolveNext();
+    return place;
 }
 
 void writeNetPins(NetPinList& pins, TextOutput& out, Design& design, std::int32_t nameLength,
-                  NetlistLookup& lookup) {
+                  NetlistLookup& lookup, PinCursor& cursor) {
     const std::int32_t longest = design.longestNetName;
     const std::int32_t n = pins.itemCount();
     if (n == 0) {
@@ -189,20 +194,25 @@ void writeNetPins(NetPinList& pins, TextOutput& out, Design& design, std::int32_
         out.put(";\n", 2);
         return;
     }
+    // A key that matches nothing shows the carried pin text behind an empty
+    // refdes field.
+    static const char kEmptyField[] = "                  ";
     bool pinOk = true;
     bool packageCarried = false;
     std::int32_t carriedPackageIndex = 0;
     const char* carriedPinText = "";
     std::size_t carriedPinLength = 0;
     for (std::int32_t i = 0; i < n; ++i) {
-        NetPin* pin = pins.itemAt(i);
-        lookup.prefetchAhead();
-        const char* refdes = "";
-        std::size_t refdesLength = 0;
-        NetlistLookup::Component component;
-        if (lookup.componentByKey(pin->key, &component)) {
-            refdes = component.refdes();
-            refdesLength = component.refdesLength();
+        const NetPin* pin = pins.itemAt(i);
+        const std::uint32_t place = cursor.take();
+        const char* field = kEmptyField;
+        std::size_t fieldLength = sizeof kEmptyField - 1;
+        const char* shown = nullptr;
+        std::size_t shownLength = 0;
+        if (place != NetlistLookup::kNone) {
+            const NetlistLookup::Component component = lookup.componentAt(place);
+            field = component.field();
+            fieldLength = component.fieldLength();
             carriedPackageIndex = component.packageIndex();
             packageCarried = true;
             if (!(pin->pinIndex < component.pinCount())) {
@@ -214,6 +224,8 @@ void writeNetPins(NetPinList& pins, TextOutput& out, Design& design, std::int32_
                 NetlistLookup::checkPinIndex(pin->pinIndex);
                 carriedPinText = component.pinText(pin->pinIndex);
                 carriedPinLength = component.pinTextLength(pin->pinIndex);
+                shown = component.shownText(pin->pinIndex);
+                shownLength = component.shownTextLength(pin->pinIndex);
             }
         }
         // Before the first resolved pin nothing is carried: no package to fetch.
@@ -221,11 +233,14 @@ void writeNetPins(NetPinList& pins, TextOutput& out, Design& design, std::int32_
         if (pinOk) {
             // The package pin is fetched only for its range: the pin itself is unused.
             if (packageCarried && (pin->pinIndex < 0 || pin->pinIndex >= packagePins)) abnormalEnd();
-            const char* shown = carriedPinText;
-            std::size_t shownLength = carriedPinLength;
-            if (const char* stripped = stripPinPrefix(refdesLength, carriedPinText, carriedPinLength)) {
-                shownLength -= static_cast<std::size_t>(stripped - shown);
-                shown = stripped;
+            if (shown == nullptr) {
+                // The carried text, stripped as an empty refdes strips it.
+                shown = carriedPinText;
+                shownLength = carriedPinLength;
+                if (const char* stripped = stripPinPrefix(0, carriedPinText, carriedPinLength)) {
+                    shownLength -= static_cast<std::size_t>(stripped - shown);
+                    shown = stripped;
+                }
             }
             if (i == 0) {
                 writeNameFill(out, nameLength, longest);
@@ -234,8 +249,7 @@ void writeNetPins(NetPinList& pins, TextOutput& out, Design& design, std::int32_
                 out.blanks(static_cast<std::int64_t>(longest) + 5);
             }
             // "%-16s  %s\n", with ";" before the line end on the last pin.
-            out.padded(refdes, refdesLength, 16);
-            out.put("  ", 2);
+            out.put(field, fieldLength);
             out.put(shown, shownLength);
             if (i == n - 1) out.put(";\n", 2);
             else out.put('\n');
@@ -244,18 +258,19 @@ void writeNetPins(NetPinList& pins, TextOutput& out, Design& design, std::int32_
     }
 }
 
-void Net::write(TextOutput& out, NetlistLookup& lookup) {
+void Net::write(TextOutput& out, NetlistLookup& lookup, PinCursor& cursor) {
     if (owner == nullptr) abnormalEnd();  // a Net is written only from its Design
     const std::size_t nameLength = std::strlen(text());
     out.put('\t');
     out.put(text(), nameLength);
-    writeNetPins(pins, out, *owner, static_cast<std::int32_t>(nameLength), lookup);
+    writeNetPins(pins, out, *owner, static_cast<std::int32_t>(nameLength), lookup, cursor);
 }
 
 void writeNetlistSection(NetList& nets, TextOutput& out, NetlistLookup& lookup) {
     out.put("NETLIST\n");
+    PinCursor cursor(nets, lookup);
     const std::int32_t count = nets.itemCount();
-    for (std::int32_t i = 0; i < count; ++i) nets.itemAt(i)->write(out, lookup);
+    for (std::int32_t i = 0; i < count; ++i) nets.itemAt(i)->write(out, lookup, cursor);
     out.put("END_NETLIST\n");
 }
 

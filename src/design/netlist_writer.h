@@ -21,11 +21,12 @@ class Design;
 // They give exactly what the scans would: the first component with a key,
 // its refdes, its pins by index, the packages by number.
 //
-// A net pin meets components in no useful order, so every read is likely a
-// cache miss: the key leads through one 4-byte slot straight to the
-// component's block, which holds its counts, the offsets of its pin texts
-// and the texts themselves side by side; and both are asked for some pins
-// before the writer reads them (prefetchAhead).
+// A net pin meets components in no useful order, so each is likely a cache
+// miss. The key leads through one 4-byte slot to the component's block,
+// which holds its counts and, side by side, what its net lines show: the
+// refdes field ("%-16s  ") and each pin's text, whole and with its refdes
+// prefix stripped. A cursor resolves the keys of the pins some way ahead
+// of the writer and asks the cache for their blocks (see PinCursor).
 class NetlistLookup {
 public:
     explicit NetlistLookup(Design& design);
@@ -37,27 +38,38 @@ public:
         std::int32_t pinCount() const { return static_cast<std::int32_t>(words_[kPinCount]); }
         std::int32_t packageIndex() const { return static_cast<std::int32_t>(words_[kPackageIndex]); }
         std::size_t componentIndex() const { return words_[kComponentIndex]; }
-        const char* refdes() const { return text(words_[kRefdes]); }
-        std::size_t refdesLength() const { return words_[kRefdes + 1] - words_[kRefdes] - 1; }
-        // REQUIRES: 0 <= pinIndex < pinCount().
-        const char* pinText(std::int32_t pinIndex) const { return text(words_[kPinTexts + pinIndex]); }
-        std::size_t pinTextLength(std::int32_t pinIndex) const {
-            return words_[kPinTexts + pinIndex + 1] - words_[kPinTexts + pinIndex] - 1;
-        }
+        // The refdes padded to 16, then two blanks: what a net line shows
+        // before the pin text.
+        const char* field() const { return text(words_[kField]); }
+        std::size_t fieldLength() const { return words_[kField + 1] - words_[kField] - 1; }
+        // REQUIRES: 0 <= pinIndex < pinCount(). The pin's text, whole.
+        const char* pinText(std::int32_t pinIndex) const { return text(whole(pinIndex)); }
+        std::size_t pinTextLength(std::int32_t pinIndex) const { return whole(pinIndex + 1) - whole(pinIndex) - 1; }
+        // REQUIRES: 0 <= pinIndex < pinCount(). The pin's text as a line
+        // with this refdes shows it (stripPinPrefix).
+        const char* shownText(std::int32_t pinIndex) const { return text(shown(pinIndex)); }
+        std::size_t shownTextLength(std::int32_t pinIndex) const { return whole(pinIndex + 1) - shown(pinIndex) - 1; }
 
     private:
         friend class NetlistLookup;
-        // The block's words: the counts, then the byte offsets (from the
-        // block's start) of the refdes and of each pin text, and one more
-        // behind the last text; the texts follow, each with its terminator.
-        enum : std::size_t { kPinCount, kPackageIndex, kComponentIndex, kRefdes, kPinTexts };
+        // The block's words: the counts, the byte offsets (from the block's
+        // start) of the field and, for each pin, of its whole and its shown
+        // text, and one more behind the last text; the texts follow, each
+        // with its terminator.
+        enum : std::size_t { kPinCount, kPackageIndex, kComponentIndex, kField, kPins };
         explicit Component(const std::uint32_t* words) : words_(words) {}
+        std::uint32_t whole(std::int32_t pinIndex) const {
+            return words_[kPins + 2 * static_cast<std::size_t>(pinIndex)];
+        }
+        std::uint32_t shown(std::int32_t pinIndex) const {
+            return words_[kPins + 2 * static_cast<std::size_t>(pinIndex) + 1];
+        }
         const char* text(std::uint32_t offset) const { return reinterpret_cast<const char*>(words_) + offset; }
         const std::uint32_t* words_ = nullptr;
     };
 
-    // The first component whose key equals key; false when there is none.
-    bool componentByKey(const TextString& key, Component* component) const;
+    // The component at a place that resolve() gave.
+    Component componentAt(std::uint32_t place) const { return Component(blocks_.data() + place); }
     // The key of the component at this place in the list, for messages.
     const char* componentKey(const Component& component) const {
         return parts_[component.componentIndex()]->text();
@@ -75,17 +87,13 @@ public:
         return packagePins_[static_cast<std::size_t>(index)];
     }
 
-    // One step of a cursor that runs ahead of the writer over the nets'
-    // pins and asks the cache for what a pin will need: first the key's slot,
-    // kAhead pins later the block it leads to, another kAhead pins later the
-    // writer reads them. The writer takes one step a pin; if the two fall
-    // out of step, only the prefetches miss.
-    void prefetchAhead();
+    static constexpr std::uint32_t kNone = 0xFFFFFFFFu;
+    // The place of the first component whose key equals key, or kNone.
+    std::uint32_t resolve(const char* key) const;
+    // Asks the cache for the part of a block that a pin's line reads.
+    void prefetch(std::uint32_t place, std::int32_t pinIndex) const;
 
 private:
-    static constexpr std::uint32_t kNone = 0xFFFFFFFFu;
-    static constexpr std::size_t kAhead = 8;
-
     // "T12" / "B7" as written by the components reader, with a number below
     // limit: the side (0 top, 1 bottom) and the number; else false.
     bool numberedKey(const char* key, int* side, std::size_t* number) const;
@@ -98,17 +106,28 @@ private:
     std::size_t numberLimit_ = 0;
     std::vector<std::uint32_t> byNumber_[2];  // block of the first component per number, kNone none
     std::unordered_map<std::string, std::uint32_t> otherKeys_;
+};
 
-    // The cursor, and the slots touched in the last kAhead steps (null none)
-    // with the pin each was for.
-    NetList::Node* aheadNet_ = nullptr;
-    NetPinList::Node* aheadPin_ = nullptr;
-    struct Waiting {
-        const std::uint32_t* slot;
-        std::int32_t pinIndex;
-    };
-    Waiting waiting_[kAhead] = {};
-    std::size_t waitingAt_ = 0;
+// The net pins of a design in the order the writer meets them, each with the
+// place of its component: resolved kAhead pins before the writer takes it,
+// when its block is asked for, so that the cache has it by then. The writer
+// takes one a pin; if the two fall out of step, only the prefetches miss.
+class PinCursor {
+public:
+    PinCursor(NetList& nets, const NetlistLookup& lookup);
+    // The place of the next pin's component (kNone: no component has its
+    // key); the cursor then resolves one pin further ahead.
+    std::uint32_t take();
+
+private:
+    static constexpr std::size_t kAhead = 16;
+    void resolveNext();
+
+    const NetlistLookup& lookup_;
+    NetList::Node* net_ = nullptr;
+    NetPinList::Node* pin_ = nullptr;
+    std::uint32_t places_[kAhead] = {};
+    std::size_t next_ = 0;  // the ring's slot of the next pin to take
 };
 
 // The pin text behind a "refdes-" prefix, judged by lengths alone: null
@@ -121,7 +140,7 @@ inline const char* stripPinPrefix(const char* refdes, const char* pinText) {
 
 // The rest of a net's block after its "\t<name>".
 void writeNetPins(NetPinList& pins, TextOutput& out, Design& design, std::int32_t nameLength,
-                  NetlistLookup& lookup);
+                  NetlistLookup& lookup, PinCursor& cursor);
 
 // "NETLIST", one block per net, "END_NETLIST".
 void writeNetlistSection(NetList& nets, TextOutput& out, NetlistLookup& lookup);

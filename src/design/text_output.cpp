@@ -5,16 +5,6 @@
 
 #include "platform/platform.h"
 
-void TextOutput::blanks(std::int64_t count) {
-    static const char kBlanks[] = "                                                                ";
-    constexpr std::int64_t kRun = sizeof kBlanks - 1;
-    while (count > 0) {
-        const std::int64_t run = count < kRun ? count : kRun;
-        put(kBlanks, static_cast<std::size_t>(run));
-        count -= run;
-    }
-}
-
 void TextOutput::print(const char* format, ...) {
     char small[256];
     std::va_list arguments;

@@ -34,7 +34,16 @@ public:
         buffer_[used_++] = c;
     }
     // count blanks; none when count is not positive.
-    void blanks(std::int64_t count);
+    void blanks(std::int64_t count) {
+        while (count > 0) {
+            if (used_ == kSize) flush();
+            const std::size_t room = kSize - used_;
+            const std::size_t run = static_cast<std::uint64_t>(count) < room ? static_cast<std::size_t>(count) : room;
+            std::memset(buffer_.get() + used_, ' ', run);
+            used_ += run;
+            count -= static_cast<std::int64_t>(run);
+        }
+    }
     // "%-Ns": the text, then blanks up to width; a longer text is never cut.
     void padded(const char* text, std::int64_t width) { padded(text, std::strlen(text), width); }
     void padded(const char* text, std::size_t length, std::int64_t width) {
