@@ -129,8 +129,10 @@ public:
     std::int32_t positionIndex = 0;
     std::int32_t count = 0;
 
-    WalkStart lastWalkStart = WalkStart::None;
-    std::int64_t lastWalkSteps = 0;
+    // Shared by all lists of a kind, so that a board's many lists don't
+    // carry them: the last nodeAt of any of them.
+    static inline WalkStart lastWalkStart = WalkStart::None;
+    static inline std::int64_t lastWalkSteps = 0;
 
 protected:
     ~LinkedIndex() { clearNodes(); }

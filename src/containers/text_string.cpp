@@ -36,14 +36,14 @@ std::int32_t absolute(std::int32_t value) {
 
 }  // namespace
 
-TextString::TextString() : capacity(4), buffer(local_) { buffer[0] = '\0'; }
+TextString::TextString() : capacity(4) { local_[0] = '\0'; }
 
 TextString::TextString(std::int32_t number) { assign(number); }
 
 TextString::TextString(char character) { assign(character); }
 
 // resizeBuffer(size) and store(other) give what the text constructor gives.
-TextString::TextString(const TextString& other, std::int32_t size) : TextString(other.buffer, size) {}
+TextString::TextString(const TextString& other, std::int32_t size) : TextString(other.buffer(), size) {}
 
 TextString::TextString(const char* text, std::int32_t size) {
     // A board makes millions of short texts: one that fits the local area
@@ -57,7 +57,6 @@ TextString::TextString(const char* text, std::int32_t size) {
         if (text[n] == '\0') {
             local_[n] = '\0';
             capacity = n == 0 ? 1 : n + 4;
-            buffer = local_;
             return;
         }
     }
@@ -65,47 +64,46 @@ TextString::TextString(const char* text, std::int32_t size) {
     // that a longer text overrides with its length + 4.
     const std::int32_t n = textLength(text);
     const std::int32_t room = absolute(size) + 1;
-    capacity = room > n ? room : n + 4;
-    buffer = allocate(capacity);
-    if (n > 0) std::memcpy(buffer, text, static_cast<std::size_t>(n));
-    buffer[n] = '\0';
+    const std::int32_t bytes = room > n ? room : n + 4;
+    char* storage = allocate(bytes);
+    if (n > 0) std::memcpy(storage, text, static_cast<std::size_t>(n));
+    storage[n] = '\0';
+    adopt(storage, bytes, nullptr);
 }
 
 TextString::~TextString() { release(); }
 
-char* TextString::allocate(std::int32_t size) {
-    return size <= kLocalSize ? local_ : new char[static_cast<std::size_t>(size)];
-}
-
-void TextString::deallocate(char* storage) {
-    if (storage != local_) delete[] storage;
+void TextString::adopt(char* storage, std::int32_t size, char* oldHeap) {
+    if (oldHeap != storage) delete[] oldHeap;
+    capacity = size;
+    if (storage != local_) setHeap(storage);
 }
 
 void TextString::release() {
-    deallocate(buffer);
-    buffer = nullptr;
+    if (capacity > kLocalSize) delete[] heap();
     capacity = 0;
 }
 
-std::int32_t TextString::length() const { return textLength(buffer); }
+std::int32_t TextString::length() const { return textLength(buffer()); }
 
 char* TextString::c_str() {
-    buffer[capacity - 1] = '\0';
-    return buffer;
+    char* bytes = buffer();
+    bytes[capacity - 1] = '\0';
+    return bytes;
 }
 
 char& TextString::at(std::int32_t index) {
     if (index < 0 || index >= capacity - 1) return dummyByte;
-    return buffer[index];
+    return buffer()[index];
 }
 
 TextString& TextString::clear() {
-    buffer[0] = '\0';
+    buffer()[0] = '\0';
     return *this;
 }
 
 TextString& TextString::toLower() {
-    for (char* p = buffer; *p != '\0'; ++p) {
+    for (char* p = buffer(); *p != '\0'; ++p) {
         if (*p >= 'A' && *p <= 'Z') *p = static_cast<char>(*p + 32);
     }
     return *this;
@@ -113,27 +111,32 @@ TextString& TextString::toLower() {
 
 TextString& TextString::store(const char* text, bool append) {
     if (text == nullptr) {
-        if (!append) buffer[0] = '\0';
+        if (!append) buffer()[0] = '\0';
         return *this;
     }
     const std::int32_t current = append ? length() : 0;
     const std::int32_t n = textLength(text);
     const std::int32_t needed = current + n;
-    char* old = nullptr;
-    if (capacity <= needed) {
-        char* grown = allocate(needed + 4);
-        capacity = needed + 4;
-        if (grown != buffer) {
-            if (current > 0) std::memcpy(grown, buffer, static_cast<std::size_t>(current));
-            old = buffer;
-            buffer = grown;
-        }
+    if (capacity > needed) {
+        // memmove: assigning an object's own buffer copies each byte onto itself.
+        char* bytes = buffer();
+        if (n > 0) std::memmove(bytes + current, text, static_cast<std::size_t>(n));
+        bytes[needed] = '\0';
+        return *this;
     }
-    // memmove: assigning an object's own buffer copies each byte onto itself;
-    // the old buffer goes only after the copy, so appending oneself is safe.
-    if (n > 0) std::memmove(buffer + current, text, static_cast<std::size_t>(n));
-    deallocate(old);
-    buffer[current + n] = '\0';
+    // Into a new buffer, which the old one (and text, if it is the old
+    // one's) is read into before it goes: appending oneself is safe.
+    char* old = buffer();
+    char* oldHeap = heapOrNull();
+    char* grown = allocate(needed + 4);
+    if (grown != old) {
+        if (current > 0) std::memcpy(grown, old, static_cast<std::size_t>(current));
+        if (n > 0) std::memcpy(grown + current, text, static_cast<std::size_t>(n));
+    } else if (n > 0) {
+        std::memmove(grown + current, text, static_cast<std::size_t>(n));
+    }
+    grown[needed] = '\0';
+    adopt(grown, needed + 4, oldHeap);
     return *this;
 }
 
@@ -156,37 +159,37 @@ TextString& TextString::append(std::int32_t number) {
 }
 
 TextString& TextString::resizeBuffer(std::int32_t size, bool keep) {
-    char* old = buffer;
-    capacity = absolute(size) + 1;
-    buffer = allocate(capacity);
+    const char* old = buffer();
+    char* oldHeap = heapOrNull();
+    const std::int32_t room = absolute(size) + 1;
+    char* storage = allocate(room);
+    std::int32_t i = 0;
     if (keep && old != nullptr) {
         // In place when old and new are both the local area.
-        std::int32_t i = 0;
-        while (i < capacity - 1 && old[i] != '\0') {
-            buffer[i] = old[i];
+        while (i < room - 1 && old[i] != '\0') {
+            storage[i] = old[i];
             ++i;
         }
-        buffer[i] = '\0';
-    } else {
-        buffer[0] = '\0';
     }
-    if (old != buffer) deallocate(old);
+    storage[i] = '\0';
+    adopt(storage, room, oldHeap);
     return *this;
 }
 
 TextString& TextString::setLength(std::int32_t size) {
     const std::int32_t a = absolute(size);
     if (a >= capacity) resizeBuffer(a, true);
-    buffer[a] = '\0';
+    buffer()[a] = '\0';
     return *this;
 }
 
 std::int32_t TextString::compare(const char* text, bool caseSensitive) const {
     const bool rightEmpty = text == nullptr || text[0] == '\0';
-    const bool leftEmpty = buffer[0] == '\0';
+    const char* bytes = buffer();
+    const bool leftEmpty = bytes[0] == '\0';
     if (leftEmpty) return rightEmpty ? 0 : -1;
     if (rightEmpty) return 1;
-    return caseSensitive ? std::strcmp(buffer, text) : compareIgnoringCase(buffer, text);
+    return caseSensitive ? std::strcmp(bytes, text) : compareIgnoringCase(bytes, text);
 }
 
 int compareIgnoringCase(const char* a, const char* b) {
@@ -200,7 +203,7 @@ int compareIgnoringCase(const char* a, const char* b) {
 }
 
 TextString operator+(const TextString& left, const TextString& right) {
-    return left + right.buffer;
+    return left + right.buffer();
 }
 
 TextString operator+(const TextString& left, const char* right) {
@@ -212,7 +215,7 @@ TextString operator+(const TextString& left, const char* right) {
 TextString operator+(const TextString& left, char right) {
     char scratch[16] = {};
     scratch[0] = right;
-    TextString joined(left.buffer, left.length() + 1);
+    TextString joined(left.buffer(), left.length() + 1);
     joined.append(scratch);
     return TextString(joined, 0);
 }

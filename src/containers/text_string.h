@@ -9,12 +9,15 @@
 // text is allowed; every other operation expects a buffer.
 //
 // A buffer of up to kLocalSize bytes lives inside the object, so the many
-// short texts of a board (keys, pin texts, names) cost no heap
-// block; capacity follows the same rules wherever the buffer lives. A
-// TextString is therefore never moved bytewise.
+// short texts of a board (keys, pin texts, names) cost no heap block;
+// capacity follows the same rules wherever the buffer lives. A larger
+// buffer's address takes the place of the inner one, so that a TextString
+// takes 16 bytes: a board holds millions. A TextString is therefore never
+// moved bytewise.
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 
 class TextString {
 public:
@@ -34,8 +37,11 @@ public:
     // Writes a terminator into the last byte of the buffer, so a reader by
     // c_str always gets a terminated text.
     char* c_str();
-    const char* text() const { return buffer; }  // no terminator write
-    bool isEmpty() const { return buffer[0] == '\0'; }
+    // The text's bytes, capacity of them; null only after release().
+    char* buffer() { return capacity > kLocalSize ? heap() : capacity > 0 ? local_ : nullptr; }
+    const char* buffer() const { return capacity > kLocalSize ? heap() : capacity > 0 ? local_ : nullptr; }
+    const char* text() const { return buffer(); }  // no terminator write
+    bool isEmpty() const { return buffer()[0] == '\0'; }
     // A byte of the buffer; an index that is negative or not below
     // capacity - 1 gives the shared dummyByte instead.
     char& at(std::int32_t index);
@@ -45,11 +51,11 @@ public:
     TextString& toLower();
     TextString& store(const char* text, bool append);
     TextString& assign(const char* text) { return store(text, false); }
-    TextString& assign(const TextString& other) { return store(other.buffer, false); }
+    TextString& assign(const TextString& other) { return store(other.buffer(), false); }
     TextString& assign(std::int32_t number);
     TextString& assign(char character);
     TextString& append(const char* text) { return store(text, true); }
-    TextString& append(const TextString& other) { return store(other.buffer, true); }
+    TextString& append(const TextString& other) { return store(other.buffer(), true); }
     TextString& append(std::int32_t number);
     TextString& resizeBuffer(std::int32_t size, bool keep);
     TextString& setLength(std::int32_t size);
@@ -57,27 +63,39 @@ public:
     // Comparison: an empty or null right side equals an empty left side.
     std::int32_t compare(const char* text, bool caseSensitive) const;
     bool equals(const char* text) const { return compare(text, true) == 0; }
-    bool equals(const TextString& other) const { return compare(other.buffer, true) == 0; }
+    bool equals(const TextString& other) const { return compare(other.buffer(), true) == 0; }
     bool equalsIgnoreCase(const char* text) const { return compare(text, false) == 0; }
 
     static constexpr std::int32_t kLocalSize = 12;
 
     std::int32_t capacity = 0;
 
-private:
-    // Between the two public fields so that a TextString takes 24 bytes.
-    char local_[kLocalSize];
-
-public:
-    char* buffer = nullptr;
-
     static char dummyByte;
 
 private:
-    // Room for size bytes: the local area when it fits, else a new array.
-    char* allocate(std::int32_t size);
-    void deallocate(char* storage);
+    // The heap buffer's address stands in the inner area's last 8 bytes,
+    // unaligned: copied in and out, never dereferenced in place.
+    static constexpr int kHeapAt = kLocalSize - static_cast<int>(sizeof(char*));
+    char* heap() const {
+        char* address;
+        std::memcpy(&address, local_ + kHeapAt, sizeof address);
+        return address;
+    }
+    void setHeap(char* address) { std::memcpy(local_ + kHeapAt, &address, sizeof address); }
+    // The heap array, or null while the buffer is the inner area or none.
+    char* heapOrNull() const { return capacity > kLocalSize ? heap() : nullptr; }
+    // A buffer of size bytes for the text: the inner area when it fits,
+    // else a new heap array. Filling the inner area overwrites the address
+    // of a heap buffer, so that address is taken (heapOrNull) before.
+    char* allocate(std::int32_t size) { return size <= kLocalSize ? local_ : new char[static_cast<std::size_t>(size)]; }
+    // Makes storage, of size bytes and already filled, the buffer, and
+    // deletes the old heap array, oldHeap, if it was one.
+    void adopt(char* storage, std::int32_t size, char* oldHeap);
+
+    char local_[kLocalSize];
 };
+
+static_assert(sizeof(TextString) == 16, "a TextString takes 16 bytes");
 
 TextString operator+(const TextString& left, const TextString& right);
 TextString operator+(const TextString& left, const char* right);

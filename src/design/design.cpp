@@ -17,7 +17,7 @@ void Design::noteNetNameLength(std::int32_t length) {
 }
 
 void Design::makeNameSafe(TextString& name) {
-    for (char* p = name.buffer; *p != '\0'; ++p) {
+    for (char* p = name.buffer(); *p != '\0'; ++p) {
         if (isWhiteSpace(*p)) *p = '_';
     }
 }

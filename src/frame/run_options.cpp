@@ -34,10 +34,10 @@ int lastSeparatorIndex(const char* text, const char* stops) {
 
 RunOptions::RunOptions() {
     currentDirectory.setLength(kCurrentDirectoryArea);
-    platform::currentDirectory(currentDirectory.buffer, kCurrentDirectoryArea);
+    platform::currentDirectory(currentDirectory.buffer(), kCurrentDirectoryArea);
     const std::int32_t length = currentDirectory.length();
-    if (length > 0 && platform::isPathSeparator(currentDirectory.buffer[length - 1])) {
-        currentDirectory.buffer[length - 1] = '\0';  // a root: "C:" or ""
+    if (length > 0 && platform::isPathSeparator(currentDirectory.buffer()[length - 1])) {
+        currentDirectory.buffer()[length - 1] = '\0';  // a root: "C:" or ""
     }
     outputDirectory.assign(currentDirectory);
     if (chooseTempDirectory(*this, "TMP")) return;
@@ -74,8 +74,8 @@ int extractFileName(const char* path, char* nameOut) {
 
 TextString stripExtension(TextString name) {
     TextString copy(name);
-    const int n = lastSeparatorIndex(copy.buffer, "\\./");
-    if (copy.buffer[n] == '.') copy.buffer[n] = '\0';
+    const int n = lastSeparatorIndex(copy.buffer(), "\\./");
+    if (copy.buffer()[n] == '.') copy.buffer()[n] = '\0';
     return copy;
 }
 

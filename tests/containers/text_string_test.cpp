@@ -46,7 +46,7 @@ TEST(TextStringTest, StoreGrowsExactlyAndNeverShrinks) {
     EXPECT_EQ(shape(s.clear()), "24 ");
     // Its own text: the old bytes must be read before the old buffer goes.
     TextString t("ab");
-    EXPECT_EQ(shape(t.assign(t.buffer)), "6 ab");
+    EXPECT_EQ(shape(t.assign(t.buffer())), "6 ab");
     EXPECT_EQ(shape(t.append(t)), "6 abab");
     EXPECT_EQ(shape(t.append(t)), "12 abababab");
     EXPECT_EQ(shape(t.append(t)), "20 abababababababab");
@@ -59,13 +59,13 @@ TEST(TextStringTest, AtStaysInsideTheBufferAndCStrTerminatesIt) {
         TextString s("ab", room);
         EXPECT_EQ(&s.at(-1), &TextString::dummyByte) << room;
         EXPECT_EQ(&s.at(s.capacity - 1), &TextString::dummyByte) << room;
-        EXPECT_EQ(&s.at(s.capacity - 2), s.buffer + s.capacity - 2) << room;
+        EXPECT_EQ(&s.at(s.capacity - 2), s.buffer() + s.capacity - 2) << room;
     }
     TextString s("abc");
-    std::memset(s.buffer, 'x', 7);
+    std::memset(s.buffer(), 'x', 7);
     EXPECT_STREQ(s.c_str(), "xxxxxx");
     s.release();
-    EXPECT_TRUE(s.buffer == nullptr && s.capacity == 0);
+    EXPECT_TRUE(s.buffer() == nullptr && s.capacity == 0);
     EXPECT_EQ(shape(s.assign("xy")), "6 xy");
 }
 
