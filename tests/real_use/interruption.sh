@@ -8,8 +8,9 @@
 # output stage, board.!rn once it was moved aside).
 #
 # interruption.sh <bin-dir> <odbgen> [random interrupts]
+# ODB2VRN_BOARD_COMPONENTS sets the board's size (100000 here).
 set -euo pipefail
-bin=$1 odbgen=$2 randoms=${3:-10}
+bin=$1 odbgen=$2 randoms=${3:-10} components=${ODB2VRN_BOARD_COMPONENTS:-100000}
 fail() { echo "FAIL: $*"; exit 1; }
 command -v 7zz >/dev/null || { echo "SKIP: no 7-Zip console (7zz)"; exit 77; }
 [ -d /proc/self/fd ] || { echo "SKIP: no /proc to see the run's stage"; exit 77; }
@@ -21,7 +22,7 @@ scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 export PATH="$bin:$PATH"
 unset TEMP RQT32 VOSKARDIR
-"$odbgen" -c 100000 -s 11 --tgz "$scratch/board.tgz" "$scratch/gen" >/dev/null
+"$odbgen" -c "$components" -s 11 --tgz "$scratch/board.tgz" "$scratch/gen" >/dev/null
 rm -rf "$scratch/gen"
 older="older output"
 
