@@ -30,15 +30,6 @@
 
 namespace {
 
-// A hint to the cache that address will be read soon; never a fault.
-inline void prefetchLine(const void* address) {
-#if defined(__GNUC__) || defined(__clang__)
-    __builtin_prefetch(address);
-#else
-    static_cast<void>(address);
-#endif
-}
-
 // The blanks behind a net name on its first line: from the name's length up
 // to W, none when the name is W long or longer.
 void writeNameFill(TextOutput& out, std::int32_t nameLength, std::int32_t longestNetName) {
@@ -147,17 +138,6 @@ std::uint32_t NetlistLookup::resolve(const char* key) const {
     return found != otherKeys_.end() ? found->second : kNone;
 }
 
-void NetlistLookup::prefetch(std::uint32_t place, std::int32_t pinIndex) const {
-    if (place == kNone) return;
-    const std::uint32_t* block = blocks_.data() + place;
-    // The counts, and most often the texts in the next line.
-    prefetchLine(block);
-    if (blocks_.size() - place > 16) prefetchLine(block + 16);
-    // Pin index checks come later: an entry outside the block is only not fetched.
-    const std::size_t entry = Component::kPins + 2 * static_cast<std::size_t>(static_cast<std::uint32_t>(pinIndex));
-    if (entry < blocks_.size() - place) prefetchLine(block + entry);
-}
-
 PinCursor::PinCursor(NetList& nets, const NetlistLookup& lookup) : lookup_(lookup), net_(nets.head) {
     if (net_ != nullptr) pin_ = net_->item->pins.head;
     for (std::size_t i = 0; i < kAhead; ++i) resolveNext();
@@ -172,7 +152,6 @@ void PinCursor::resolveNext() {
     if (pin_ != nullptr) {
         const NetPin* pin = pin_->item;
         place = lookup_.resolve(pin->key.text());
-        lookup_.prefetch(place, pin->pinIndex);
         pin_ = pin_->next;
     }
     places_[next_] = place;

@@ -26,7 +26,7 @@ class Design;
 // which holds its counts and, side by side, what its net lines show: the
 // refdes field ("%-16s  ") and each pin's text, whole and with its refdes
 // prefix stripped. A cursor resolves the keys of the pins some way ahead
-// of the writer and asks the cache for their blocks (see PinCursor).
+// of the writer (see PinCursor).
 class NetlistLookup {
 public:
     explicit NetlistLookup(Design& design);
@@ -90,8 +90,6 @@ public:
     static constexpr std::uint32_t kNone = 0xFFFFFFFFu;
     // The place of the first component whose key equals key, or kNone.
     std::uint32_t resolve(const char* key) const;
-    // Asks the cache for the part of a block that a pin's line reads.
-    void prefetch(std::uint32_t place, std::int32_t pinIndex) const;
 
 private:
     // "T12" / "B7" as written by the components reader, with a number below
@@ -109,9 +107,10 @@ private:
 };
 
 // The net pins of a design in the order the writer meets them, each with the
-// place of its component: resolved kAhead pins before the writer takes it,
-// when its block is asked for, so that the cache has it by then. The writer
-// takes one a pin; if the two fall out of step, only the prefetches miss.
+// place of its component, resolved kAhead pins before the writer takes it:
+// the slot a key leads to is a likely cache miss, and one that no later
+// step waits for costs little. (Asking the cache for the block too gained
+// nothing measurable.) The writer takes one a pin.
 class PinCursor {
 public:
     PinCursor(NetList& nets, const NetlistLookup& lookup);
