@@ -1,6 +1,5 @@
 #include "odb/record_scan.h"
 
-#include <climits>
 #include <cstdio>
 #include <cstdlib>
 
