@@ -3,7 +3,8 @@
 // properties, package numbers and pins, renamed components, nets and their
 // pins. The input is a program of such operations. Package numbers and pin
 // indexes are mostly in range; a Design whose write is meant to end the run
-// through abnormalEnd() is not written, so every abort is a finding.
+// through abnormalEnd() is not written, so every abort is a finding, and
+// every file written must be the plain reference writer's, byte for byte.
 // findByRefdes, whose index renames must keep up to date, is checked
 // against a plain walk on the way.
 #include <fuzzer/FuzzedDataProvider.h>

@@ -10,6 +10,7 @@
 #include "design/design.h"
 #include "design/run_lifetime.h"
 #include "odb/job_reader.h"
+#include "support/reference_writer.h"
 
 namespace {
 
@@ -92,45 +93,19 @@ void setUpJobTarget() {
     fs::copy(ODB2VRN_FUZZ_BOARD, jobRoot(), fs::copy_options::recursive);
 }
 
-namespace {
-
-bool writeEndsAbnormally(Design& design) {
-    const std::int32_t packages = design.packages.itemCount();
-    for (auto* net = design.nets.head; net != nullptr; net = net->next) {
-        bool carried = false;
-        std::int32_t packageIndex = 0;
-        for (auto* node = net->item->pins.head; node != nullptr; node = node->next) {
-            const std::int32_t pin = node->item->pinIndex;
-            Part* component = nullptr;  // the first with the pin's key
-            for (auto* c = design.components.head; c != nullptr && component == nullptr; c = c->next) {
-                if (std::strcmp(c->item->text(), node->item->key.text()) == 0) component = c->item;
-            }
-            const bool pinFound = component == nullptr || pin < component->pins.itemCount();
-            if (component != nullptr) {
-                if (pinFound && pin < 0) return true;
-                carried = true;
-                packageIndex = component->packageIndex;
-            }
-            if (!carried) continue;
-            if (packageIndex < 0 || packageIndex >= packages) return true;
-            if (pinFound && (pin < 0 || pin >= design.packages.itemAt(packageIndex)->pins.itemCount())) return true;
-        }
-    }
-    return false;
-}
-
-}  // namespace
-
 void writeNetlist(Design& design, const std::string& designName) {
-    if (writeEndsAbnormally(design)) return;
+    const reference::Vrn expected = reference::write(design, designName);
+    if (expected.endsAbnormally) return;
     const std::string path = workspace() + "/out.vrn";
     TextString name(designName.c_str());
     if (!design.writeNetlistFile(path.c_str(), name)) fail("can't write the VRN file", path);
-    std::FILE* file = std::fopen(path.c_str(), "rb");
-    char tail[12] = {};
-    const bool complete = file != nullptr && std::fseek(file, -11, SEEK_END) == 0 && std::fread(tail, 1, 11, file) == 11;
-    if (file != nullptr) std::fclose(file);
-    if (!complete || std::strcmp(tail, "END_DESIGN\n") != 0) fail("the VRN file does not end in END_DESIGN", path);
+    std::string written;
+    if (std::FILE* file = std::fopen(path.c_str(), "rb")) {
+        char block[65536];
+        for (std::size_t got; (got = std::fread(block, 1, sizeof block, file)) > 0;) written.append(block, got);
+        std::fclose(file);
+    }
+    if (written != expected.file) fail("the VRN file is not the reference writer's", path);
 }
 
 void convertJob() {

@@ -22,10 +22,10 @@ std::string matrixPath();
 std::string edaDataPath();
 std::string componentsPath(const char* layer);  // "comp_+_top" or "comp_+_bot"
 
-// The VRN file into the workspace, unless writing is meant to end the run
-// through abnormalEnd() (a net pin reaching a negative pin of its component,
-// a carried package number outside the packages or a pin index outside that
-// package's pins); aborts when the file can't be written or is cut short.
+// The VRN file into the workspace, unless the reference writer says that
+// writing ends the run through abnormalEnd() (an index the model does not
+// hold); aborts when the file can't be written or differs in any byte from
+// the reference writer's.
 void writeNetlist(Design& design, const std::string& designName);
 
 // readJob over the board, whatever its result, then writeNetlist.
