@@ -1,39 +1,74 @@
 // ItemList: the converter's one collection, a doubly linked list addressed by
-// a zero-based index. It remembers the node it delivered last (`position`
-// and `positionIndex`) and reaches an index from whichever of the remembered
-// position, the head or the tail is strictly nearest, every tie going to the
-// tail. Stepping to the next index and going back to index 0 cost no walk.
+// a zero-based index. It remembers the node it delivered last and reaches an
+// index from whichever of the remembered position, the head or the tail is
+// strictly nearest, every tie going to the tail (walkTo). Stepping to the
+// next index and going back to index 0 cost no walk.
 //
 // Two node kinds exist: ItemNode holds a pointer to an item that is never
 // null (adds refuse null); RecordNode holds a record by value. Whether the
 // items are owned is decided by the holder: an owning holder calls
 // clearItems in its destructor; a plain ItemList only frees its nodes.
+// A range loop goes over the items in list order and leaves the remembered
+// position alone.
 #pragma once
 
 #include <cstdint>
-#include <cstdlib>
 
 #include "containers/abnormal_end.h"
 #include "containers/block_pool.h"
 
-// Where nodeAt started its last walk, and how many steps it took: observable
-// so that the walk rule can be checked, never read by the converter.
-enum class WalkStart { None, Position, Head, Tail };
+// Where nodeAt starts its walk to an index, and how many steps it takes.
+enum class WalkStart { Position, Head, Tail };
+struct Walk {
+    WalkStart start;
+    std::int32_t steps;
+    bool forward;
+};
+
+// The walk from the remembered index to index i in a list of count nodes.
+// The remembered position and the head win only when strictly nearer than
+// their rivals; a tie goes to the tail, also the one between the head and
+// the position when the tail is far away. The position itself and its
+// neighbours are tested first, so that the common steps cost one subtraction.
+// REQUIRES: 0 <= i < count and 0 <= positionIndex < count.
+constexpr Walk walkTo(std::int32_t count, std::int32_t positionIndex, std::int32_t i) {
+    const std::int32_t fromPosition = i > positionIndex ? i - positionIndex : positionIndex - i;
+    const bool forward = i > positionIndex;
+    if (fromPosition <= 1) return {WalkStart::Position, fromPosition, forward};
+    const std::int32_t fromHead = i;
+    const std::int32_t fromTail = count - i - 1;
+    if (fromHead > fromPosition && fromPosition < fromTail) return {WalkStart::Position, fromPosition, forward};
+    if (fromHead < fromPosition && fromHead < fromTail) return {WalkStart::Head, fromHead, true};
+    return {WalkStart::Tail, fromTail, false};
+}
+
+template <typename Node>
+class LinkedIndex;
 
 template <typename T>
-struct ItemNode {
+class ItemNode {
+    template <typename>
+    friend class LinkedIndex;
     ItemNode* next = nullptr;
     ItemNode* prev = nullptr;
+
+public:
     T* item = nullptr;
+    T* value() const { return item; }
 
     ODB2VRN_POOLED(ItemNode)
 };
 
 template <typename R>
-struct RecordNode {
+class RecordNode {
+    template <typename>
+    friend class LinkedIndex;
     RecordNode* next = nullptr;
     RecordNode* prev = nullptr;
+
+public:
     R record;
+    R& value() { return record; }
 
     ODB2VRN_POOLED(RecordNode)
 };
@@ -45,127 +80,117 @@ public:
     LinkedIndex(const LinkedIndex&) = delete;
     LinkedIndex& operator=(const LinkedIndex&) = delete;
 
-    std::int32_t itemCount() const { return count; }
+    std::int32_t itemCount() const { return count_; }
 
     // The node at index i, or null when i is out of range (then nothing
     // changes). Moves the remembered position onto the node.
     Node* nodeAt(std::int32_t i) {
-        lastWalkStart = WalkStart::None;
-        lastWalkSteps = 0;
-        if (i < 0 || i >= count) return nullptr;
-        if (position == nullptr) {
-            position = head;
-            positionIndex = 0;
+        if (i < 0 || i >= count_) return nullptr;
+        if (position_ == nullptr) {
+            position_ = head_;
+            positionIndex_ = 0;
         }
-        if (i == positionIndex) return position;
-        const std::int64_t distance = static_cast<std::int64_t>(positionIndex) - i;
-        if (distance == 1) {
-            position = position->prev;
-            positionIndex = i;
-            return position;
-        }
-        if (distance == -1) {
-            position = position->next;
-            positionIndex = i;
-            return position;
-        }
-        const std::int64_t fromHead = i;
-        const std::int64_t fromPosition = distance < 0 ? -distance : distance;
-        const std::int64_t fromTail = static_cast<std::int64_t>(count) - i - 1;
-        if (fromHead > fromPosition && fromPosition < fromTail) {
-            walk(WalkStart::Position, fromPosition, positionIndex < i);
-        } else if (fromHead < fromPosition && fromHead < fromTail) {
-            position = head;
-            walk(WalkStart::Head, fromHead, true);
-        } else {
-            position = tail;
-            walk(WalkStart::Tail, fromTail, false);
-        }
-        positionIndex = i;
-        return position;
+        const Walk walk = walkTo(count_, positionIndex_, i);
+        if (walk.start == WalkStart::Head) position_ = head_;
+        if (walk.start == WalkStart::Tail) position_ = tail_;
+        for (std::int32_t s = 0; s < walk.steps; ++s) position_ = walk.forward ? position_->next : position_->prev;
+        positionIndex_ = i;
+        return position_;
     }
 
     // Removes the node at index i; false when there is none.
     bool removeAt(std::int32_t i) {
         Node* node = nodeAt(i);
         if (node == nullptr) return false;
-        if (i == positionIndex) {
-            if (node->next != nullptr) {
-                position = node->next;
-            } else if (node->prev != nullptr) {
-                position = node->prev;
-                --positionIndex;
-            } else {
-                position = nullptr;
-                positionIndex = 0;
-            }
-        } else if (i < positionIndex) {
-            --positionIndex;
+        // The position stands on the node: the next one takes its index.
+        if (node->next != nullptr) {
+            position_ = node->next;
+        } else if (node->prev != nullptr) {
+            position_ = node->prev;
+            --positionIndex_;
+        } else {
+            position_ = nullptr;
+            positionIndex_ = 0;
         }
         if (node->prev != nullptr) node->prev->next = node->next;
-        else head = node->next;
+        else head_ = node->next;
         if (node->next != nullptr) node->next->prev = node->prev;
-        else tail = node->prev;
+        else tail_ = node->prev;
         delete node;
-        --count;
+        --count_;
         return true;
     }
 
     // Frees every node and resets the list; items are left alone.
     void clearNodes() {
-        while (head != nullptr) {
-            tail = head;
-            head = head->next;
-            delete tail;
-        }
-        head = tail = position = nullptr;
-        positionIndex = 0;
-        count = 0;
+        freeNodes([](Node*) {});
     }
 
-    Node* head = nullptr;
-    Node* tail = nullptr;
-    Node* position = nullptr;
-    std::int32_t positionIndex = 0;
-    std::int32_t count = 0;
+    // The items (or records) in list order.
+    class Iterator {
+    public:
+        explicit Iterator(Node* node) : node_(node) {}
+        decltype(auto) operator*() const { return node_->value(); }
+        Iterator& operator++() {
+            node_ = node_->next;
+            return *this;
+        }
+        bool operator==(const Iterator& other) const { return node_ == other.node_; }
+        bool operator!=(const Iterator& other) const { return node_ != other.node_; }
 
-    // Shared by all lists of a kind, so that a board's many lists don't
-    // carry them: the last nodeAt of any of them.
-    static inline WalkStart lastWalkStart = WalkStart::None;
-    static inline std::int64_t lastWalkSteps = 0;
+    private:
+        Node* node_;
+    };
+    Iterator begin() const { return Iterator(head_); }
+    Iterator end() const { return Iterator(nullptr); }
 
 protected:
     ~LinkedIndex() { clearNodes(); }
 
     void linkTail(Node* node) {
-        if (count == 0) {
-            head = tail = node;
+        if (count_ == 0) {
+            head_ = tail_ = node;
         } else {
-            node->prev = tail;
-            tail->next = node;
-            tail = node;
+            node->prev = tail_;
+            tail_->next = node;
+            tail_ = node;
         }
-        ++count;
+        ++count_;
     }
 
     void linkHead(Node* node) {
-        if (count == 0) {
-            head = tail = node;
+        if (count_ == 0) {
+            head_ = tail_ = node;
         } else {
-            node->next = head;
-            head->prev = node;
-            head = node;
+            node->next = head_;
+            head_->prev = node;
+            head_ = node;
         }
-        ++count;
-        ++positionIndex;  // every index has moved up, remembered or not
+        ++count_;
+        ++positionIndex_;  // every index has moved up, remembered or not
+    }
+
+    // Frees the nodes head first, each after release(node), and resets the
+    // list.
+    template <typename Release>
+    void freeNodes(Release release) {
+        while (head_ != nullptr) {
+            Node* node = head_;
+            head_ = head_->next;
+            release(node);
+            delete node;
+        }
+        tail_ = position_ = nullptr;
+        positionIndex_ = 0;
+        count_ = 0;
     }
 
 private:
-    void walk(WalkStart start, std::int64_t steps, bool forward) {
-        lastWalkStart = start;
-        lastWalkSteps = steps;
-        for (std::int64_t s = 0; s < steps; ++s) position = forward ? position->next : position->prev;
-    }
+    Node* head_ = nullptr;
+    Node* tail_ = nullptr;
+    Node* position_ = nullptr;
+    std::int32_t positionIndex_ = 0;
+    std::int32_t count_ = 0;
 };
 
 // A list of items by pointer.
@@ -191,33 +216,30 @@ public:
         return item;
     }
 
-    // Deletes every item with its own destructor, then frees the nodes. One
-    // walk does both, in list order: fetching the items one index after the
-    // other would step along the same nodes, and a large board's model is
-    // released in one piece at the end of a run.
+    // Deletes every item with its own destructor, then frees the nodes, in
+    // one walk in list order: what fetching the items one index after the
+    // other and then freeing the nodes leaves, and a large board's model is
+    // released at the end of every run.
     void clearItems() {
-        if (this->count > 0) {
-            // What the last of those fetches would leave.
-            this->lastWalkStart = WalkStart::None;
-            this->lastWalkSteps = 0;
-        }
-        for (Node* node = this->head; node != nullptr;) {
-            Node* next = node->next;
-            delete node->item;
-            delete node;
-            node = next;
-        }
-        this->head = this->tail = this->position = nullptr;
-        this->positionIndex = 0;
-        this->count = 0;
+        this->freeNodes([](Node* node) { delete node->item; });
     }
 };
 
-// An ItemList that owns its items.
+// The reading operations of an ItemList, for the list kinds that keep a
+// side index of their items: they add and clear only through operations of
+// their own, which keep the index exact.
 template <typename T>
-class OwningItemList : public ItemList<T> {
+class IndexedItemList {
 public:
-    ~OwningItemList() { this->clearItems(); }
+    std::int32_t itemCount() const { return items_.itemCount(); }
+    T* itemAt(std::int32_t index) { return items_.itemAt(index); }
+    typename ItemList<T>::Iterator begin() const { return items_.begin(); }
+    typename ItemList<T>::Iterator end() const { return items_.end(); }
+
+protected:
+    IndexedItemList() = default;
+    ~IndexedItemList() = default;
+    ItemList<T> items_;
 };
 
 // A list of records held by value in the nodes.
@@ -240,6 +262,4 @@ public:
 
     // Frees every node with its record.
     void clearRecords() { this->clearNodes(); }
-
-    ~RecordList() { clearRecords(); }
 };

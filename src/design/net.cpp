@@ -12,18 +12,18 @@ NetPin* NetPinList::addNetPin(NetPin* pin) {
     const auto sameConnection = [pin](const NetPin* other) {
         return other->pinIndex == pin->pinIndex && other->key.equals(pin->key);
     };
-    if (count >= kIndexFrom) {
+    if (itemCount() >= kIndexFrom) {
         const std::size_t hash = connectionHash(pin);
         if (seen_.find(hash, sameConnection) != nullptr) return nullptr;
         seen_.add(hash, pin);
     } else {
-        for (Node* node = head; node != nullptr; node = node->next) {
-            if (sameConnection(node->item)) return nullptr;
+        for (const NetPin* other : items_) {
+            if (sameConnection(other)) return nullptr;
         }
     }
-    addItem(pin);
-    if (count == kIndexFrom) {
-        for (Node* node = head; node != nullptr; node = node->next) seen_.add(connectionHash(node->item), node->item);
+    items_.addItem(pin);
+    if (itemCount() == kIndexFrom) {
+        for (NetPin* added : items_) seen_.add(connectionHash(added), added);
     }
     return pin;
 }

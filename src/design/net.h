@@ -12,9 +12,6 @@
 #include "design/named_item.h"
 
 class Design;
-class NetlistLookup;
-class PinCursor;
-class TextOutput;
 
 class NetPin {
 public:
@@ -27,8 +24,9 @@ public:
     std::int32_t pinIndex;
 };
 
-// The connections of a Net, in record order, without duplicates.
-class NetPinList : public ItemList<NetPin> {
+// The connections of a Net, in record order, without duplicates: the list is
+// only added to through addNetPin, which keeps the index of a long list.
+class NetPinList : public IndexedItemList<NetPin> {
 public:
     // Links pin at the tail unless a pin with the same key and the same
     // pinIndex is there already; then, or for a null, returns null.
@@ -47,8 +45,6 @@ public:
     Net(std::int32_t index, const char* name) : NamedItem(name), index(index) {}
 
     NetPin* addNetPin(NetPin* pin) { return pins.addNetPin(pin); }
-    // The net's block of the NETLIST section.
-    void write(TextOutput& out, NetlistLookup& lookup, PinCursor& cursor);
 
     Design* owner = nullptr;
     NetPinList pins;

@@ -10,27 +10,30 @@ PartPin::PartPin(TextString name, std::int32_t pinNumber, std::int32_t netNumber
 PartPin::PartPin(const char* name, std::int32_t pinNumber, std::int32_t netNumber, const char* pinText)
     : NamedItem(name), pinNumber(pinNumber), netNumber(netNumber), pinText(pinText) {}
 
+namespace {
+
+auto named(const char* name) {
+    return [name](const PartPin* pin) { return std::strcmp(pin->text(), name) == 0; };
+}
+
+}  // namespace
+
 PartPin* PartPinList::findPinByName(const char* text) {
     const char* wanted = text == nullptr ? "" : text;
-    const auto named = [wanted](const PartPin* pin) { return std::strcmp(pin->text(), wanted) == 0; };
-    if (count >= kIndexFrom) {
-        // The pins added since the last search join the index; the first
-        // pin of a name keeps it.
-        for (Node* node = lastIndexed_ == nullptr ? head : lastIndexed_->next; node != nullptr; node = node->next) {
-            const char* name = node->item->text();
-            const std::size_t hash = static_cast<std::size_t>(hashText(name));
-            if (byName_.find(hash, [name](const PartPin* pin) { return std::strcmp(pin->text(), name) == 0; }) ==
-                nullptr) {
-                byName_.add(hash, node->item);
-            }
-            lastIndexed_ = node;
+    if (itemCount() < kIndexFrom) {
+        for (PartPin* pin : items_) {
+            if (named(wanted)(pin)) return pin;
         }
-        return byName_.find(static_cast<std::size_t>(hashText(wanted)), named);
+        return nullptr;
     }
-    for (Node* node = head; node != nullptr; node = node->next) {
-        if (node->item->equals(text)) return node->item;
+    // The pins added since the last search join the index, by index, one
+    // step each; the first pin of a name keeps it.
+    for (; indexed_ < itemCount(); ++indexed_) {
+        PartPin* pin = items_.itemAt(indexed_);
+        const std::size_t hash = static_cast<std::size_t>(hashText(pin->text()));
+        if (byName_.find(hash, named(pin->text())) == nullptr) byName_.add(hash, pin);
     }
-    return nullptr;
+    return byName_.find(static_cast<std::size_t>(hashText(wanted)), named(wanted));
 }
 
 Part::Part(const char* typeName) : NamedItem(""), typeName(typeName) {}
@@ -62,7 +65,7 @@ void Part::setRefdes(const char* text) {
 }
 
 Part* PartList::addPart(Part* part) {
-    if (addItem(part) == nullptr) return nullptr;
+    if (items_.addItem(part) == nullptr) return nullptr;
     part->owner = owner;
     part->list_ = this;
     if (indexValid_) indexRefdes(part);
@@ -88,12 +91,12 @@ Part* PartList::findIndexed(const char* text) const {
 
 void PartList::rebuildIndex() {
     byRefdes_.clear();
-    for (Node* node = head; node != nullptr; node = node->next) indexRefdes(node->item);
+    for (Part* part : items_) indexRefdes(part);
     indexValid_ = true;
 }
 
 void PartList::clearItems() {
     byRefdes_.clear();
     indexValid_ = true;
-    ItemList<Part>::clearItems();
+    items_.clearItems();
 }

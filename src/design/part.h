@@ -32,36 +32,25 @@ public:
     ODB2VRN_POOLED(PartPin)
 };
 
-// The pins of a Part, in record order; owns them.
-// Lookups by name go through an index once the list is long, so the names
-// must not change after a pin is added.
-class PartPinList : public OwningItemList<PartPin> {
+// The pins of a Part, in record order; owns them. Lookups by name go through
+// an index once the list is long, so the list is only added to, and names
+// don't change after a pin is added.
+class PartPinList : public IndexedItemList<PartPin> {
 public:
+    ~PartPinList() { items_.clearItems(); }
+
+    // Links pin at the tail; a null is refused and gives null.
+    PartPin* addItem(PartPin* pin) { return items_.addItem(pin); }
     // The first pin whose name equals text, case-sensitively; or null.
     PartPin* findPinByName(const char* text);
     PartPin* findPinByName(TextString text) { return findPinByName(text.text()); }
-    // Pins are never taken out one by one; the name index relies on it.
-    bool removeAt(std::int32_t index) = delete;
-    void clearItems() {
-        forgetIndex();
-        OwningItemList<PartPin>::clearItems();
-    }
-    void clearNodes() {
-        forgetIndex();
-        OwningItemList<PartPin>::clearNodes();
-    }
 
 private:
     static constexpr std::int32_t kIndexFrom = 16;
     // Filled on the first search of a long list: only packages are searched,
     // and a component's many "DUMMY" pins need no index.
     FlatIndex<PartPin> byName_;
-    Node* lastIndexed_ = nullptr;
-
-    void forgetIndex() {
-        byName_.clear();
-        lastIndexed_ = nullptr;
-    }
+    std::int32_t indexed_ = 0;  // the pins from index 0 that byName_ has seen
 };
 
 class Part : public NamedItem {
@@ -102,8 +91,9 @@ private:
     PartList* list_ = nullptr;  // the list whose refdes index knows this part
 };
 
-// Components or packages, in reading order; owns its Parts.
-class PartList : public OwningItemList<Part> {
+// Components or packages, in reading order; owns its Parts. findByRefdes
+// goes through an index, kept exact through the adds and Part::setRefdes.
+class PartList : public IndexedItemList<Part> {
 public:
     ~PartList() { clearItems(); }
 
@@ -112,10 +102,8 @@ public:
     // The first Part, in list order, whose refdes equals text; or null.
     Part* findByRefdes(const char* text);
     Part* findByRefdes(const TextString& text) { return findByRefdes(text.text()); }
-
+    // Deletes every Part, then frees the nodes.
     void clearItems();
-    // Parts are never taken out one by one; the refdes index relies on it.
-    bool removeAt(std::int32_t index) = delete;
 
     Design* owner = nullptr;
 
@@ -126,7 +114,7 @@ private:
     void indexRefdes(Part* part);
     Part* findIndexed(const char* text) const;
 
-    // refdes -> first Part with it, kept exact through Part::setRefdes.
+    // refdes -> first Part with it.
     FlatIndex<Part> byRefdes_;
     bool indexValid_ = true;
 };

@@ -3,8 +3,6 @@
 #include <cstdarg>
 #include <vector>
 
-#include "platform/platform.h"
-
 void TextOutput::print(const char* format, ...) {
     char small[256];
     std::va_list arguments;
@@ -24,7 +22,6 @@ void TextOutput::print(const char* format, ...) {
 }
 
 void TextOutput::flush() {
-    if (used_ > 0 && std::fwrite(buffer_.get(), 1, used_, stream_) != used_) failed_ = true;
+    if (used_ > 0 && std::fwrite(buffer_, 1, used_, stream_) != used_) failed_ = true;
     used_ = 0;
-    platform::stopIfInterrupted();
 }

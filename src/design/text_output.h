@@ -2,20 +2,20 @@
 // handed to the stream in big writes, instead of a stdio call for every
 // piece of a line. The stream (text mode) still makes the line ends. Every
 // write is checked: a file that missed a byte must not pass for complete.
+// Gathered bytes reach the stream when the buffer is full and at flush(),
+// never by themselves: the owner decides what reaches the file.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
-#include <memory>
 
 class TextOutput {
 public:
-    explicit TextOutput(std::FILE* stream) : stream_(stream), buffer_(new char[kSize]) {}
+    explicit TextOutput(std::FILE* stream) : stream_(stream) {}
     TextOutput(const TextOutput&) = delete;
     TextOutput& operator=(const TextOutput&) = delete;
-    ~TextOutput() { flush(); }
 
     void put(const char* text, std::size_t length) {
         if (length > kSize - used_) {
@@ -25,7 +25,7 @@ public:
                 return;
             }
         }
-        std::memcpy(buffer_.get() + used_, text, length);
+        std::memcpy(buffer_ + used_, text, length);
         used_ += length;
     }
     void put(const char* text) { put(text, std::strlen(text)); }
@@ -39,7 +39,7 @@ public:
             if (used_ == kSize) flush();
             const std::size_t room = kSize - used_;
             const std::size_t run = static_cast<std::uint64_t>(count) < room ? static_cast<std::size_t>(count) : room;
-            std::memset(buffer_.get() + used_, ' ', run);
+            std::memset(buffer_ + used_, ' ', run);
             used_ += run;
             count -= static_cast<std::int64_t>(run);
         }
@@ -52,8 +52,7 @@ public:
     }
     // A printf-formatted piece, for the rare lines that need one.
     void print(const char* format, ...);
-    // Everything gathered so far goes to the stream. A run that was
-    // interrupted stops here, at the latest after one buffer.
+    // Everything gathered so far goes to the stream.
     void flush();
     // True once a write to the stream fell short (a full disk, an I/O error).
     bool failed() const { return failed_; }
@@ -61,7 +60,7 @@ public:
 private:
     static constexpr std::size_t kSize = 64 * 1024;
     std::FILE* stream_;
-    std::unique_ptr<char[]> buffer_;
+    char buffer_[kSize];
     std::size_t used_ = 0;
     bool failed_ = false;
 };

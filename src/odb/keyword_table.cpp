@@ -34,7 +34,7 @@ void KeywordTable::add(const char* keyword, std::int32_t code) {
     Keyword entry;
     entry.keyword.assign(keyword);
     entry.code = code;
-    addTail(entry);
+    entries_.addTail(entry);
     // Half the slots at most stay free, so that a search ends soon.
     if (itemCount() > kSlots / 2) indexed_ = false;
     std::uint64_t low = 0, high = 0;
@@ -46,7 +46,7 @@ void KeywordTable::add(const char* keyword, std::int32_t code) {
 }
 
 void KeywordTable::clearRecords() {
-    RecordList<Keyword>::clearRecords();
+    entries_.clearRecords();
     for (int i = 0; i < kSlots; ++i) exact_[i] = lowered_[i] = Slot();
     indexed_ = true;
 }
@@ -60,10 +60,10 @@ std::int32_t KeywordTable::lookup(const char* word, bool caseSensitive, std::int
 
 std::int32_t KeywordTable::walk(const char* word, bool caseSensitive, std::int32_t notFound) {
     const char first = word == nullptr ? '\0' : caseSensitive ? word[0] : lowered(word[0]);
-    for (Node* node = head; node != nullptr; node = node->next) {
-        const char* keyword = node->record.keyword.text();
+    for (const Keyword& entry : entries_) {
+        const char* keyword = entry.keyword.text();
         if ((caseSensitive ? keyword[0] : lowered(keyword[0])) != first && keyword[0] != '\0') continue;
-        if (node->record.keyword.compare(word, caseSensitive) == 0) return node->record.code;
+        if (entry.keyword.compare(word, caseSensitive) == 0) return entry.code;
     }
     return notFound;
 }

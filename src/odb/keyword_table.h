@@ -26,8 +26,11 @@ struct Keyword {
     std::int32_t code = 0;
 };
 
-class KeywordTable : public RecordList<Keyword> {
+// The entries are a list of records, searched from the first; a table is
+// only added to at the tail and emptied whole, which keeps its index exact.
+class KeywordTable {
 public:
+    std::int32_t itemCount() const { return entries_.itemCount(); }
     void add(const char* keyword, std::int32_t code);
     // The code of the first entry equal to word (ignoring ASCII case when
     // caseSensitive is false); notFound when none is, or the table is empty.
@@ -38,10 +41,8 @@ public:
         const Slot* slot = find(exact_, word.low, word.high);
         return slot == nullptr ? notFound : slot->code;
     }
+    // Releases every entry with its keyword text.
     void clearRecords();
-    // The index relies on entries being added at the tail only.
-    bool removeAt(std::int32_t index) = delete;
-    void addHead(const Keyword& record) = delete;
 
 private:
     // Every line of a job file is looked up, so short words (up to 15 bytes,
@@ -70,6 +71,7 @@ private:
     std::int32_t walk(const char* word, bool caseSensitive, std::int32_t notFound);
     std::int32_t walkPacked(const PackedWord& word, std::int32_t notFound);
 
+    RecordList<Keyword> entries_;
     Slot exact_[kSlots];
     Slot lowered_[kSlots];
     bool indexed_ = true;  // false once the table outgrows the slots

@@ -3,8 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <deque>
+#include <random>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "unpack/compressed_files.h"
@@ -20,57 +21,51 @@ struct NumberedList {
     ItemList<int> list;
 };
 
-// The items head to tail, then tail to head, so a broken link either way shows.
+// The items in list order, then by index from the last to the first: the
+// second half steps back along the prev links, so a broken link either way
+// shows.
 std::string linksOf(ItemList<int>& list) {
     std::string text;
-    for (auto* node = list.head; node != nullptr; node = node->next) text += std::to_string(*node->item);
+    for (const int* item : list) text += std::to_string(*item);
     text += "|";
-    for (auto* node = list.tail; node != nullptr; node = node->prev) text += std::to_string(*node->item);
+    for (int i = list.itemCount() - 1; i >= 0; --i) text += std::to_string(*list.itemAt(i));
     return text;
 }
 
 // The remembered position and the head win only when strictly nearer than
 // both rivals; every tie goes to the tail. The position's own index and its
-// neighbours need no walk.
-TEST(ItemListTest, NodeAtWalksFromTheStrictlyNearestStart) {
-    const struct { int count, positionIndex, index; WalkStart start; std::int64_t steps; } rows[] = {
+// neighbours are reached from the position.
+TEST(ItemListTest, WalkStartsFromTheStrictlyNearestNode) {
+    const struct { int count, positionIndex, index; WalkStart start; int steps; } rows[] = {
         {100, 10, 7, WalkStart::Position, 3}, {100, 90, 94, WalkStart::Position, 4}, {100, 90, 95, WalkStart::Tail, 4},
         {101, 90, 95, WalkStart::Tail, 5},    {100, 50, 20, WalkStart::Head, 20},     {100, 0, 50, WalkStart::Tail, 49},
-        {100, 10, 5, WalkStart::Tail, 94},    {10, 9, 0, WalkStart::Head, 0},         {10, 3, 4, WalkStart::None, 0},
-        {10, 3, 2, WalkStart::None, 0},       {10, 3, 3, WalkStart::None, 0},
+        {100, 10, 5, WalkStart::Tail, 94},    {10, 9, 0, WalkStart::Head, 0},         {10, 3, 4, WalkStart::Position, 1},
+        {10, 3, 2, WalkStart::Position, 1},   {10, 3, 3, WalkStart::Position, 0},     {3, 2, 0, WalkStart::Head, 0},
+        {5, 0, 2, WalkStart::Tail, 2},        {5, 4, 2, WalkStart::Tail, 2},
     };
     for (const auto& row : rows) {
-        NumberedList numbered(row.count);
-        ItemList<int>& list = numbered.list;
-        // Step by step to the position, so that no rule under test sets it up.
-        for (int i = 0; i <= row.positionIndex; ++i) ASSERT_EQ(list.nodeAt(i)->item, &numbered.values[i]);
-        auto* node = list.nodeAt(row.index);
-        SCOPED_TRACE(std::to_string(row.positionIndex) + " to " + std::to_string(row.index));
-        ASSERT_TRUE(node != nullptr && node == list.position);
-        EXPECT_EQ(node->item, &numbered.values[static_cast<std::size_t>(row.index)]);
-        EXPECT_EQ(std::make_pair(list.lastWalkStart, list.lastWalkSteps), std::make_pair(row.start, row.steps));
-        EXPECT_EQ(list.positionIndex, row.index);
+        const Walk walk = walkTo(row.count, row.positionIndex, row.index);
+        EXPECT_EQ(walk.start, row.start) << row.positionIndex << " to " << row.index;
+        EXPECT_EQ(walk.steps, row.steps) << row.positionIndex << " to " << row.index;
+        EXPECT_TRUE(walk.start != WalkStart::Position || walk.forward == (row.index > row.positionIndex));
     }
 }
 
 TEST(ItemListDeathTest, OutOfRangeChangesNothingAndItemAtEndsTheRun) {
     NumberedList five(5);
     five.list.nodeAt(3);
-    auto* const remembered = five.list.position;
     for (int index : {-1, 5, INT32_MIN, INT32_MAX}) {
         EXPECT_TRUE(five.list.nodeAt(index) == nullptr && !five.list.removeAt(index)) << index;
     }
-    EXPECT_EQ(five.list.position, remembered);
-    EXPECT_EQ(five.list.positionIndex, 3);
     EXPECT_EQ(five.list.itemCount(), 5);
-    EXPECT_EQ(five.list.itemAt(4), &five.values[4]);
+    EXPECT_EQ(linksOf(five.list), "01234|43210");
     EXPECT_DEATH(five.list.itemAt(5), "^$");
     EXPECT_DEATH(five.list.itemAt(-1), "^$");
 }
 
-TEST(ItemListTest, RemoveAtKeepsThePositionOnAValidNode) {
-    const struct { int count, index, positionItem, positionIndex; const char* links; } cases[] = {
-        {1, 0, -1, 0, "|"}, {5, 4, 3, 3, "0123|3210"}, {5, 0, 1, 0, "1234|4321"}, {5, 2, 3, 2, "0134|4310"},
+TEST(ItemListTest, RemoveAtKeepsTheLinksAndThePosition) {
+    const struct { int count, index; const char* links; } cases[] = {
+        {1, 0, "|"}, {5, 4, "0123|3210"}, {5, 0, "1234|4321"}, {5, 2, "0134|4310"},
     };
     for (const auto& c : cases) {
         NumberedList numbered(c.count);
@@ -79,10 +74,36 @@ TEST(ItemListTest, RemoveAtKeepsThePositionOnAValidNode) {
         EXPECT_TRUE(list.removeAt(c.index));
         EXPECT_EQ(list.itemCount(), c.count - 1);
         EXPECT_EQ(linksOf(list), c.links);
-        EXPECT_EQ(list.position == nullptr ? -1 : *list.position->item, c.positionItem);
-        EXPECT_EQ(list.positionIndex, c.positionIndex);
-        for (int i = 0; i < list.itemCount(); ++i) EXPECT_EQ(*list.nodeAt(i)->item, c.links[i] - '0') << i;
     }
+}
+
+// Every index reached through the remembered position stays right through
+// any mix of lookups, removals and adds at the head, which move indexes.
+TEST(ItemListTest, IndexesStayRightThroughRemovalsAndAddsAtTheHead) {
+    std::mt19937 random(7);
+    RecordList<int> list;
+    std::deque<int> model;
+    for (int step = 0; step < 5000; ++step) {
+        const int count = static_cast<int>(model.size());
+        const int index = count == 0 ? 0 : static_cast<int>(random() % static_cast<unsigned>(count));
+        switch (random() % 4) {
+            case 0:
+                list.addHead(step);
+                model.push_front(step);
+                break;
+            case 1:
+                if (count > 30) {
+                    ASSERT_TRUE(list.removeAt(index));
+                    model.erase(model.begin() + index);
+                }
+                break;
+            default:
+                ASSERT_TRUE(count == 0 || list.nodeAt(index)->record == model[static_cast<std::size_t>(index)]) << step;
+        }
+    }
+    ASSERT_EQ(list.itemCount(), static_cast<int>(model.size()));
+    std::size_t i = 0;
+    for (const int record : list) EXPECT_EQ(record, model[i++]);
 }
 
 struct Counted {
@@ -101,11 +122,10 @@ TEST(ItemListTest, ClearItemsDeletesItemsAndClearNodesDoesNot) {
         list.nodeAt(1);
         deleteItems ? list.clearItems() : list.clearNodes();
         EXPECT_EQ(Counted::alive, deleteItems ? 0 : 3);
-        EXPECT_TRUE(list.itemCount() == 0 && !list.head && !list.tail && !list.position && list.positionIndex == 0);
+        EXPECT_TRUE(list.itemCount() == 0 && list.begin() == list.end() && list.nodeAt(0) == nullptr);
         if (!deleteItems) list.addItem(items.back());  // a plain list's destructor leaves it
     }
     for (std::size_t i = 3; i < items.size(); ++i) delete items[i];
-    OwningItemList<Counted>().addItem(new Counted);
     EXPECT_EQ(Counted::alive, 0);
 }
 
@@ -117,12 +137,11 @@ TEST(CompressedFileListTest, FirstInFirstOutAndIndicesMoveUp) {
     EXPECT_STREQ(list.nodeAt(1)->record.fileName.text(), "8");  // no position: from the head
     auto* remembered = list.nodeAt(4);
     list.addCompressedFile({TextString("/j"), TextString("new")});
-    EXPECT_EQ(list.positionIndex, 5);
     EXPECT_EQ(list.nodeAt(5), remembered);
     for (const char* name : {"0", "1", "2", "3", "4", "5", "6", "7", "8", "9", "new"}) {
         EXPECT_STREQ(list.takeCompressedFile().fileName.text(), name);
     }
-    EXPECT_TRUE(list.itemCount() == 0 && list.head == nullptr && list.tail == nullptr);
+    EXPECT_TRUE(list.itemCount() == 0 && list.begin() == list.end());
 }
 
 }  // namespace

@@ -46,8 +46,8 @@ TEST(NetPinListTest, DuplicatesAreRefusedBelowAndBeyondTheIndexThreshold) {
             if (s.added) expected += std::string(s.key) + "/" + std::to_string(s.pinIndex) + " ";
         }
         EXPECT_EQ(net->addNetPin(nullptr), nullptr);
-        for (auto* node = net->pins.nodeAt(fillers); node != nullptr; node = node->next) {
-            listed += std::string(node->item->key.text()) + "/" + std::to_string(node->item->pinIndex) + " ";
+        for (std::int32_t i = fillers; i < net->pins.itemCount(); ++i) {
+            listed += std::string(net->pins.itemAt(i)->key.text()) + "/" + std::to_string(net->pins.itemAt(i)->pinIndex) + " ";
         }
         EXPECT_EQ(listed, expected) << fillers;
     }

@@ -136,11 +136,8 @@ private:
 
     Design design_;
     std::string name_ = "board";
-    // One folder for all boards: a folder each costs more than a board.
-    const std::string path_ = [] {
-        static const testsupport::ScratchDir scratch;
-        return scratch / "out.vrn";
-    }();
+    testsupport::ScratchDir scratch_;
+    const std::string path_ = scratch_ / "out.vrn";
 };
 
 TEST(NetlistWriterTest, CaseFilesGiveTheirFile) {

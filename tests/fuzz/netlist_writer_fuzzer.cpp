@@ -124,8 +124,8 @@ private:
 
     void checkRefdes(const char* refdes) {
         Part* first = nullptr;
-        for (auto* node = design_.components.head; node != nullptr && first == nullptr; node = node->next) {
-            if (std::strcmp(node->item->refdes.text(), refdes) == 0) first = node->item;
+        for (Part* part : design_.components) {
+            if (first == nullptr && std::strcmp(part->refdes.text(), refdes) == 0) first = part;
         }
         if (design_.components.findByRefdes(TextString(refdes)) == first) return;
         std::fprintf(stderr, "findByRefdes(\"%s\") is not the first component with that refdes\n", refdes);

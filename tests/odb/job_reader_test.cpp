@@ -41,9 +41,7 @@ TEST(JobReaderTest, CaseFilesGiveTheirRead) {
             std::string text = "result " + std::to_string(result) + "\n";
             if (matrix) {
                 text += "steps ";
-                for (auto* node = reader.steps.head; node != nullptr; node = node->next) {
-                    text += node->item->text() + std::string("|");
-                }
+                for (const TextString* step : reader.steps) text += step->text() + std::string("|");
                 text += std::string("\nstep ") + reader.stepName.text() + "\n";
             }
             return text + "console:\n" + console + "design:\n" + odbtest::dumpDesign(design);

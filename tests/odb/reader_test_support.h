@@ -39,11 +39,9 @@ std::string consoleOf(Call call) {
 // "net <index> <name>: <key>/<pinIndex> ..."
 inline std::string dumpNets(Design& design) {
     std::string out;
-    for (auto* node = design.nets.head; node != nullptr; node = node->next) {
-        out += "net " + std::to_string(node->item->index) + " " + node->item->text() + ":";
-        for (auto* pin = node->item->pins.head; pin != nullptr; pin = pin->next) {
-            out += " " + std::string(pin->item->key.text()) + "/" + std::to_string(pin->item->pinIndex);
-        }
+    for (const Net* net : design.nets) {
+        out += "net " + std::to_string(net->index) + " " + net->text() + ":";
+        for (const NetPin* pin : net->pins) out += " " + std::string(pin->key.text()) + "/" + std::to_string(pin->pinIndex);
         out += "\n";
     }
     return out;
@@ -53,22 +51,20 @@ inline std::string dumpNets(Design& design) {
 // longest net name, one line each.
 inline std::string dumpDesign(Design& design) {
     std::string out;
-    for (auto* node = design.components.head; node != nullptr; node = node->next) {
-        const Part& part = *node->item;
+    for (const Part* component : design.components) {
+        const Part& part = *component;
         out += "component " + std::string(part.text()) + " " + part.refdes.text() + " type=" + part.typeName.text() +
                " package=" + std::to_string(part.packageIndex) + " value=" + part.value.text() +
                " part=" + part.partName.text() + " mpn=" + part.manufacturerPartNo.text() + "\n";
-        for (auto* pin = part.pins.head; pin != nullptr; pin = pin->next) {
-            out += "  pin " + std::string(pin->item->text()) + " " + std::to_string(pin->item->pinNumber) +
-                   " net=" + std::to_string(pin->item->netNumber) + " text=" + pin->item->pinText.text() + "\n";
+        for (const PartPin* pin : part.pins) {
+            out += "  pin " + std::string(pin->text()) + " " + std::to_string(pin->pinNumber) +
+                   " net=" + std::to_string(pin->netNumber) + " text=" + pin->pinText.text() + "\n";
         }
     }
     out += dumpNets(design);
-    for (auto* node = design.packages.head; node != nullptr; node = node->next) {
-        out += "package " + std::string(node->item->text()) + " " + node->item->typeName.text() + ":";
-        for (auto* pin = node->item->pins.head; pin != nullptr; pin = pin->next) {
-            out += std::string(" ") + pin->item->text();
-        }
+    for (const Part* package : design.packages) {
+        out += "package " + std::string(package->text()) + " " + package->typeName.text() + ":";
+        for (const PartPin* pin : package->pins) out += std::string(" ") + pin->text();
         out += "\n";
     }
     return out + "longest net name " + std::to_string(design.longestNetName) + "\n";

@@ -117,7 +117,7 @@ struct Writer {
 Vrn write(Design& design, const std::string& designName) {
     Writer writer{design, {}};
     Vrn& vrn = writer.vrn;
-    std::string name = designName;
+    std::string name = designName.c_str();  // a zero-terminated text
     for (char& c : name) {
         if (c == ' ' || (c >= '\t' && c <= '\r')) c = '_';
     }
