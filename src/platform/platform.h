@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -19,7 +20,7 @@ namespace platform {
 // separator accepts both '\\' and '/' (isPathSeparator).
 extern const char kPathSeparator;
 extern const char kPathSeparatorText[];
-bool isPathSeparator(char c);
+inline bool isPathSeparator(char c) { return c == '/' || c == '\\'; }
 
 // The limit that _fullpath is always called with.
 constexpr int kFullPathLimit = 270;
@@ -31,7 +32,7 @@ constexpr int kFullPathLimit = 270;
 void currentDirectory(char* buffer, int size);
 
 // getenv: the variable's value, or null.
-const char* environmentValue(const char* name);
+inline const char* environmentValue(const char* name) { return std::getenv(name); }
 
 // _fullpath(buffer, path, limit): the absolute form of path, resolved by text
 // ("." and ".." folded, repeated separators collapsed, a trailing separator
@@ -66,7 +67,7 @@ void* allocateBulkMemory(std::size_t size);
 
 // A number from the system's random source (getrandom, rand_s), so that runs
 // started together draw different names; where the source fails, the
-// high-resolution clock mixed with the process id.
+// high-resolution clock mixed with the process id (random_fallback.h).
 std::uint32_t randomNumber();
 
 enum class DirectoryCreation { kCreated, kExists, kFailed };

@@ -21,19 +21,17 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "platform/random_fallback.h"
+
 namespace platform {
 
 const char kPathSeparator = '/';
 const char kPathSeparatorText[] = "/";
 
-bool isPathSeparator(char c) { return c == '/' || c == '\\'; }
-
 void currentDirectory(char* buffer, int size) {
     if (size <= 0) return;
     if (getcwd(buffer, static_cast<size_t>(size)) == nullptr) buffer[0] = '\0';
 }
-
-const char* environmentValue(const char* name) { return std::getenv(name); }
 
 bool fullPath(char* buffer, const char* path, int limit) {
     std::string joined;
@@ -283,18 +281,10 @@ bool removeDirectory(const char* path) {
 std::uint32_t randomNumber() {
     std::uint32_t value = 0;
     if (getrandom(&value, sizeof value, GRND_NONBLOCK) == static_cast<ssize_t>(sizeof value)) return value;
-    // No random source yet (early boot, an old kernel): the clock's
-    // nanoseconds and the process id still differ between runs started
-    // together; a counter keeps successive draws apart.
-    static std::uint64_t draws = 0;
     timespec now{};
     clock_gettime(CLOCK_REALTIME, &now);
-    std::uint64_t mixed = static_cast<std::uint64_t>(now.tv_nsec) ^ (static_cast<std::uint64_t>(now.tv_sec) << 30) ^
-                          (static_cast<std::uint64_t>(getpid()) << 40);
-    mixed += 0x9E3779B97F4A7C15ull * ++draws;
-    mixed = (mixed ^ (mixed >> 30)) * 0xBF58476D1CE4E5B9ull;
-    mixed = (mixed ^ (mixed >> 27)) * 0x94D049BB133111EBull;
-    return static_cast<std::uint32_t>((mixed ^ (mixed >> 31)) >> 16);
+    return fallbackRandomNumber(static_cast<std::uint64_t>(now.tv_sec) * 1000000000u + static_cast<std::uint64_t>(now.tv_nsec),
+                                static_cast<std::uint64_t>(getpid()));
 }
 
 DirectoryCreation createDirectory(const char* path) {

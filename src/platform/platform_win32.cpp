@@ -18,12 +18,12 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "platform/random_fallback.h"
+
 namespace platform {
 
 const char kPathSeparator = '\\';
 const char kPathSeparatorText[] = "\\";
-
-bool isPathSeparator(char c) { return c == '/' || c == '\\'; }
 
 void currentDirectory(char* buffer, int size) {
     if (size <= 0) return;
@@ -32,8 +32,6 @@ void currentDirectory(char* buffer, int size) {
     const DWORD length = GetCurrentDirectoryA(static_cast<DWORD>(size), buffer);
     if (length == 0 || length >= static_cast<DWORD>(size)) buffer[0] = '\0';
 }
-
-const char* environmentValue(const char* name) { return std::getenv(name); }
 
 bool fullPath(char* buffer, const char* path, int limit) {
     if (limit <= 0) return false;
@@ -85,17 +83,9 @@ void* allocateBulkMemory(std::size_t size) {
 std::uint32_t randomNumber() {
     unsigned int value = 0;
     if (rand_s(&value) == 0) return value;
-    // The performance counter's ticks and the process id still differ between
-    // runs started together; a counter keeps successive draws apart.
-    static std::uint64_t draws = 0;
     LARGE_INTEGER ticks;
     QueryPerformanceCounter(&ticks);
-    std::uint64_t mixed = static_cast<std::uint64_t>(ticks.QuadPart) ^
-                          (static_cast<std::uint64_t>(GetCurrentProcessId()) << 40);
-    mixed += 0x9E3779B97F4A7C15ull * ++draws;
-    mixed = (mixed ^ (mixed >> 30)) * 0xBF58476D1CE4E5B9ull;
-    mixed = (mixed ^ (mixed >> 27)) * 0x94D049BB133111EBull;
-    return static_cast<std::uint32_t>((mixed ^ (mixed >> 31)) >> 16);
+    return fallbackRandomNumber(static_cast<std::uint64_t>(ticks.QuadPart), GetCurrentProcessId());
 }
 
 DirectoryCreation createDirectory(const char* path) {

@@ -6,10 +6,12 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "platform/random_fallback.h"
 #include "support/test_support.h"
 
 #ifdef _WIN32
@@ -195,6 +197,13 @@ TEST(PlatformProcessTest, SplitCommandLineFollowsTheWindowsRuntime) {
         {" \t ", {}},
     };
     for (const auto& c : cases) EXPECT_EQ(platform::splitCommandLine(c.line), c.arguments) << c.line;
+}
+
+// Without the system's random source, draws within one clock tick differ.
+TEST(PlatformRandomTest, FallbackDrawsDifferWithinOneTick) {
+    std::set<std::uint32_t> draws;
+    for (int i = 0; i < 8; ++i) draws.insert(platform::fallbackRandomNumber(12345, 42));
+    EXPECT_EQ(draws.size(), 8u);
 }
 
 std::uint32_t runToEnd(const std::string& commandLine) {
