@@ -1,6 +1,9 @@
 // The only door to the operating system. Every OS service the converter uses
-// is declared here; platform_posix.cpp and platform_win32.cpp implement the
-// same functions in the same order. Each comment names the Win32 / C runtime
+// is declared here. Two twin pairs implement it, each file in the order of
+// this header: platform_posix.cpp / platform_win32.cpp the paths, files and
+// memory, process_posix.cpp / process_win32.cpp the processes and
+// interruptions. command_line.cpp, directory_search.cpp and
+// random_fallback.cpp serve both. Each comment names the Win32 / C runtime
 // call the function stands for, so the logic reads the same on every system.
 //
 // Texts are plain zero-terminated byte strings; nothing here allocates memory
@@ -11,6 +14,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -122,19 +126,10 @@ bool removeDirectory(const char* path);
 // --- Processes: CreateProcessA / WaitForSingleObject / GetExitCodeProcess /
 // CloseHandle -----------------------------------------------------------------
 
-struct ProcessHandle {
-    std::intptr_t id = 0;      // the process: pid or HANDLE
-    std::intptr_t thread = 0;  // the first thread's HANDLE; unused on POSIX
-    bool ended = false;        // waited for, and exitCode is valid
-    std::uint32_t exitCode = 0;
-    std::intptr_t outputPipe = -1;  // read end of a captured output, until it is drained
-    std::string output;             // what a captured process wrote, up to kCapturedOutputLimit bytes
-};
-
 // What a started program's standard streams are.
 enum class ProcessStreams {
     kHidden,    // away from ours, as a hidden console
-    kCaptured,  // output and error into ProcessHandle::output; input one empty line
+    kCaptured,  // output and error into Process::output; input one empty line
 };
 // Enough for every message of a failed unpack; more is read and dropped.
 constexpr std::size_t kCapturedOutputLimit = 1 << 20;
@@ -146,24 +141,48 @@ constexpr std::size_t kCapturedOutputLimit = 1 << 20;
 // gives a literal quote.
 std::vector<std::string> splitCommandLine(const char* commandLine);
 
-// CreateProcessA with CREATE_NEW_CONSOLE and SW_HIDE: starts commandLine
-// without waiting. A bare program name is searched on PATH. Returns false
-// when the program can't be started. A captured program's input holds one
-// empty line, so that a question (7-Zip's password prompt) gets an empty
-// answer instead of waiting for a typist who isn't there.
-bool startProcess(const char* commandLine, ProcessHandle* process,
-                  ProcessStreams streams = ProcessStreams::kHidden);
+// One started program. What the system needs to know of it (a pid and a
+// pipe, or the process, thread and pipe handles) is each twin's own State.
+// Destroying a Process frees that memory but gives nothing back to the
+// system: a probe that is started and dropped keeps its handles until the
+// program ends, and on POSIX may stay a zombie; only close() releases them.
+class Process {
+public:
+    Process();
+    ~Process();
+    Process(const Process&) = delete;
+    Process& operator=(const Process&) = delete;
 
-// WaitForSingleObject(process, INFINITE), reading a captured output to its
-// end first, so that a talkative program never blocks on a full pipe.
-void waitForProcess(ProcessHandle* process);
+    // CreateProcessA with CREATE_NEW_CONSOLE and SW_HIDE: starts commandLine
+    // without waiting. A bare program name is searched on PATH. Returns false,
+    // holding nothing, when the line is empty or the program can't be
+    // started. A captured program's input holds one empty line, so that a
+    // question (7-Zip's password prompt) gets an empty answer instead of
+    // waiting for a typist who isn't there. Each Process starts once.
+    bool start(const char* commandLine, ProcessStreams streams = ProcessStreams::kHidden);
 
-// GetExitCodeProcess: false when the code can't be read.
-bool processExitCode(ProcessHandle* process, std::uint32_t* code);
+    // WaitForSingleObject(process, INFINITE), reading a captured output to
+    // its end first, so that a talkative program never blocks on a full
+    // pipe. Does nothing for a Process that holds no program.
+    void wait();
 
-// CloseHandle on both handles. A process that was never waited for may stay
-// a zombie until the program ends.
-void closeProcess(ProcessHandle* process);
+    // GetExitCodeProcess: false when the code can't be read.
+    bool exitCode(std::uint32_t* code) const;
+
+    // CloseHandle on the process and its thread, and on an output pipe that
+    // was not read to its end. The program itself is not stopped; the
+    // Process holds nothing afterwards, and output() stays.
+    void close();
+
+    // What a captured program wrote, up to kCapturedOutputLimit bytes: all
+    // of it once wait returns.
+    const std::string& output() const { return output_; }
+
+private:
+    struct State;
+    std::string output_;
+    std::unique_ptr<State> state_;
+};
 
 // --- Interruption: SIGINT, SIGTERM, SIGHUP; Ctrl-C, Ctrl-Break, console close
 //

@@ -207,13 +207,13 @@ TEST(PlatformRandomTest, FallbackDrawsDifferWithinOneTick) {
 }
 
 std::uint32_t runToEnd(const std::string& commandLine) {
-    platform::ProcessHandle process;
-    if (!platform::startProcess(commandLine.c_str(), &process)) return 999;
-    platform::waitForProcess(&process);
+    platform::Process process;
+    if (!process.start(commandLine.c_str())) return 999;
+    process.wait();
     std::uint32_t code = 998;
-    if (!platform::processExitCode(&process, &code)) code = 997;
-    platform::closeProcess(&process);
-    return code;
+    if (!process.exitCode(&code)) code = 997;
+    process.close();
+    return process.exitCode(&code) ? 995 : code;
 }
 
 // A bare name is found on the search path; the child's output goes to its
