@@ -1,10 +1,11 @@
 // The only door to the operating system. Every OS service the converter uses
-// is declared here. Two twin pairs implement it, each file in the order of
-// this header: platform_posix.cpp / platform_win32.cpp the paths, files and
-// memory, process_posix.cpp / process_win32.cpp the processes and
-// interruptions. command_line.cpp, directory_search.cpp and
-// random_fallback.cpp serve both. Each comment names the Win32 / C runtime
-// call the function stands for, so the logic reads the same on every system.
+// is declared here, with one result contract that every system meets. Two
+// twin pairs implement it, each file in the order of this header:
+// platform_posix.cpp / platform_win32.cpp the paths, files and memory,
+// process_posix.cpp / process_win32.cpp the processes and interruptions.
+// command_line.cpp, directory_search.cpp and random_fallback.cpp serve both.
+// Each comment names the Win32 / C runtime call the function stands for, so
+// the logic reads the same on every system.
 //
 // Texts are plain zero-terminated byte strings; nothing here allocates memory
 // that a caller must free.
@@ -32,7 +33,8 @@ constexpr int kFullPathLimit = 270;
 // GetCurrentDirectoryA: writes the current directory as an absolute,
 // zero-terminated path into buffer (size bytes). A root comes back with its
 // trailing separator ("/" or "C:\"), every other directory without one.
-// Writes the empty text when it does not fit.
+// Writes the empty text when it does not fit; nothing when size is not
+// positive.
 void currentDirectory(char* buffer, int size);
 
 // getenv: the variable's value, or null.
@@ -42,12 +44,15 @@ inline const char* environmentValue(const char* name) { return std::getenv(name)
 // ("." and ".." folded, repeated separators collapsed, a trailing separator
 // kept; no link resolution, no existence test). An empty path gives the
 // current directory. Returns false, with buffer undefined, when the result
-// and its terminator do not fit limit bytes.
+// and its terminator do not fit limit bytes, or when the system refuses the
+// path: Windows's ANSI calls stop at MAX_PATH, below kFullPathLimit, even
+// for a long path that folds to a short result.
 bool fullPath(char* buffer, const char* path, int limit);
 
 // _stat64i32: returns true when the path exists. A path that ends in a
-// separator counts as not existing unless it is a root.
-// isDirectory (may be null) receives bit 0x4000 of st_mode.
+// separator counts as not existing unless it is a root ("/", "\", "C:\").
+// isDirectory (may be null) receives bit 0x4000 of st_mode; it is untouched
+// when the result is false.
 bool statPath(const char* path, bool* isDirectory);
 
 // _splitpath's extension: the text from the last dot of the name on, or the
@@ -64,7 +69,7 @@ std::FILE* openJobFile(const char* path);
 // Memory that is never given back: size bytes, zeroed, faulted in at once
 // where the system allows it (a board's model touches hundreds of
 // megabytes, and a fault per page costs more than filling it). Null on
-// failure.
+// failure, and for size 0.
 void* allocateBulkMemory(std::size_t size);
 
 // --- The temporary folder -------------------------------------------------
@@ -77,7 +82,8 @@ std::uint32_t randomNumber();
 enum class DirectoryCreation { kCreated, kExists, kFailed };
 
 // CreateDirectoryA: makes the directory, and fails with kExists when the
-// name is taken, so that a run claims its folder before anything fills it.
+// name is taken (by anything, a file too), so that a run claims its folder
+// before anything fills it; kFailed for every other failure.
 DirectoryCreation createDirectory(const char* path);
 
 // --- Directory search: FindFirstFileA / FindNextFileA / FindClose --------
@@ -90,8 +96,10 @@ struct FindRecord {
     std::string name;
 };
 
-// One enumeration. Given "dir<sep>*" it yields ".", "..", then the entries
-// of dir in byte order; given a bare path it yields that path's own entry.
+// One enumeration, read whole by findFirst, in one of two forms. Given
+// "dir<sep>*" it yields the directory's "." and ".." (a drive root has
+// none), then its other entries in byte order; given a bare path it yields
+// that path's own entry, and nothing when the path ends in a separator.
 // A symbolic link is never a directory, so no walk recurses through one.
 class DirectorySearch {
 public:
@@ -117,10 +125,14 @@ private:
 // _chmod(path, 0x80): give the owner write permission.
 void makeWritable(const char* path);
 
-// DeleteFileA: false when the file can't be deleted; a read-only file can't.
+// DeleteFileA: true when the file is gone. False for a directory, a
+// read-only file, or one the system won't delete. A link goes as a file,
+// whatever it points at.
 bool deleteFile(const char* path);
 
-// RemoveDirectoryA: false unless the empty directory was removed.
+// RemoveDirectoryA: true when the empty directory is gone. False for a
+// directory with entries, a file, a link (even to a directory), or one the
+// system won't remove.
 bool removeDirectory(const char* path);
 
 // --- Processes: CreateProcessA / WaitForSingleObject / GetExitCodeProcess /
@@ -166,7 +178,10 @@ public:
     // pipe. Does nothing for a Process that holds no program.
     void wait();
 
-    // GetExitCodeProcess: false when the code can't be read.
+    // GetExitCodeProcess: false until wait has seen the program end (so for
+    // one still running, never started or closed too); then true, with the
+    // code. A program ended by a signal gives 128 + the signal, as a shell
+    // shows it; one ended through the job object, the job's code.
     bool exitCode(std::uint32_t* code) const;
 
     // CloseHandle on the process and its thread, and on an output pipe that
@@ -193,12 +208,14 @@ private:
 // interruption ends the program at once.
 
 // Installs the handlers; cleanUp(context) is what stopIfInterrupted runs.
-// A null cleanUp leaves nothing to clean up.
+// A null cleanUp leaves nothing to clean up. An interruption that the
+// program was started to ignore (nohup) stays ignored.
 void handleInterruptions(void (*cleanUp)(void*), void* context);
 
 // A point where the run can stop: after an interruption, runs the clean-up,
-// then ends the program as the signal would have (a shell sees 128 + the
-// signal; on Windows the code of a program stopped by Ctrl-C).
+// flushes the standard output, then ends the program as the signal would
+// have (a shell sees 128 + the signal; on Windows the code of a program
+// stopped by Ctrl-C). Returns at once when there was none.
 void stopIfInterrupted();
 
 }  // namespace platform

@@ -64,7 +64,7 @@ bool fullPath(char* buffer, const char* path, int limit) {
 bool statPath(const char* path, bool* isDirectory) {
     const std::size_t length = std::strlen(path);
     // Windows refuses "dir\" in _stat; only a root keeps its separator.
-    if (length > 1 && path[length - 1] == '/') return false;
+    if (length > 1 && isPathSeparator(path[length - 1])) return false;
     struct stat info;
     if (stat(path, &info) != 0) return false;
     if (isDirectory != nullptr) *isDirectory = S_ISDIR(info.st_mode);
@@ -202,7 +202,7 @@ bool readAttributes(const std::string& path, std::uint32_t* attributes) {
 
 bool DirectorySearch::findFirst(const char* pattern, FindRecord& record) {
     close();
-    std::string text = pattern;
+    const std::string text = pattern;
     std::vector<FindRecord> found;
     const std::size_t length = text.size();
     if (length >= 2 && text[length - 1] == '*' && isPathSeparator(text[length - 2])) {
@@ -232,7 +232,8 @@ bool DirectorySearch::findFirst(const char* pattern, FindRecord& record) {
             found.push_back(entry);
         }
     } else {
-        while (text.size() > 1 && text.back() == '/') text.pop_back();
+        // FindFirstFileA finds nothing for "dir\"; lstat would take it.
+        if (length == 0 || isPathSeparator(text.back())) return false;
         FindRecord entry;
         if (!readAttributes(text, &entry.attributes)) return false;
         const std::size_t slash = text.find_last_of('/');

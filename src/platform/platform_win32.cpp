@@ -152,6 +152,12 @@ bool deleteFile(const char* path) {
     return (attributes & link) == link && (attributes & FILE_ATTRIBUTE_READONLY) == 0 && RemoveDirectoryA(path);
 }
 
-bool removeDirectory(const char* path) { return RemoveDirectoryA(path) != 0; }
+bool removeDirectory(const char* path) {
+    // RemoveDirectoryA would take a link to a directory, which rmdir refuses
+    // on POSIX; only deleteFile removes a link.
+    const DWORD attributes = GetFileAttributesA(path);
+    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) return false;
+    return RemoveDirectoryA(path) != 0;
+}
 
 }  // namespace platform

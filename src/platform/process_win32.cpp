@@ -135,7 +135,9 @@ void Process::wait() {
 }
 
 bool Process::exitCode(std::uint32_t* code) const {
-    if (state_ == nullptr) return false;
+    // Before the end GetExitCodeProcess gives STILL_ACTIVE (259), which a
+    // program may also end with: only a waited-for code counts, as on POSIX.
+    if (state_ == nullptr || !state_->ended) return false;
     DWORD value = 0;
     if (!GetExitCodeProcess(state_->process, &value)) return false;
     *code = value;

@@ -126,7 +126,7 @@ TEST_F(PlatformTest, DirectorySearchListsDotsFirstThenByteOrder) {
     EXPECT_EQ(listing(path("*")), ". D\n.. D\nC\nZ\n_x\na\nb\nempty D\nro R\nsub D\n");
     EXPECT_EQ(listing(path("empty" + S + "*")), ". D\n.. D\n");
     EXPECT_EQ(listing(path("sub")) + listing(path("ro")), "sub D\nro R\n");
-    for (const char* name : {"missing", "missing/*", "a/*"}) EXPECT_EQ(listing(path(name)), "<none>") << name;
+    for (const char* name : {"missing", "missing/*", "a/*", "sub/"}) EXPECT_EQ(listing(path(name)), "<none>") << name;
     platform::DirectorySearch search;
     platform::FindRecord record;
     EXPECT_FALSE(search.findFirst(path("missing").c_str(), record) || search.findNext(record) || !record.name.empty());
@@ -209,8 +209,9 @@ TEST(PlatformRandomTest, FallbackDrawsDifferWithinOneTick) {
 std::uint32_t runToEnd(const std::string& commandLine) {
     platform::Process process;
     if (!process.start(commandLine.c_str())) return 999;
-    process.wait();
     std::uint32_t code = 998;
+    if (process.exitCode(&code)) return 996;  // not before the end
+    process.wait();
     if (!process.exitCode(&code)) code = 997;
     process.close();
     return process.exitCode(&code) ? 995 : code;
