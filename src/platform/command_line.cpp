@@ -1,5 +1,5 @@
 // The Windows C runtime's rules for splitting a command line, kept in one
-// place: on POSIX startProcess hands the parts to execv, on Windows the
+// place: on POSIX Process::start hands the parts to execv, on Windows the
 // started program's own runtime splits the same line by the same rules.
 #include "platform/platform.h"
 

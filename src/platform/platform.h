@@ -1,7 +1,11 @@
 // The only door to the operating system. Every OS service the converter uses
-// is declared here; platform_posix.cpp and platform_win32.cpp implement the
-// same functions in the same order. Each comment names the Win32 / C runtime
-// call the function stands for, so the logic reads the same on every system.
+// is declared here, with one result contract that every system meets. Two
+// twin pairs implement it, each file in the order of this header:
+// platform_posix.cpp / platform_win32.cpp the paths, files and memory,
+// process_posix.cpp / process_win32.cpp the processes and interruptions.
+// command_line.cpp, directory_search.cpp and random_fallback.cpp serve both.
+// Each comment names the Win32 / C runtime call the function stands for, so
+// the logic reads the same on every system.
 //
 // Texts are plain zero-terminated byte strings; nothing here allocates memory
 // that a caller must free.
@@ -10,6 +14,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -19,7 +25,7 @@ namespace platform {
 // separator accepts both '\\' and '/' (isPathSeparator).
 extern const char kPathSeparator;
 extern const char kPathSeparatorText[];
-bool isPathSeparator(char c);
+inline bool isPathSeparator(char c) { return c == '/' || c == '\\'; }
 
 // The limit that _fullpath is always called with.
 constexpr int kFullPathLimit = 270;
@@ -27,22 +33,26 @@ constexpr int kFullPathLimit = 270;
 // GetCurrentDirectoryA: writes the current directory as an absolute,
 // zero-terminated path into buffer (size bytes). A root comes back with its
 // trailing separator ("/" or "C:\"), every other directory without one.
-// Writes the empty text when it does not fit.
+// Writes the empty text when it does not fit; nothing when size is not
+// positive.
 void currentDirectory(char* buffer, int size);
 
 // getenv: the variable's value, or null.
-const char* environmentValue(const char* name);
+inline const char* environmentValue(const char* name) { return std::getenv(name); }
 
 // _fullpath(buffer, path, limit): the absolute form of path, resolved by text
 // ("." and ".." folded, repeated separators collapsed, a trailing separator
 // kept; no link resolution, no existence test). An empty path gives the
 // current directory. Returns false, with buffer undefined, when the result
-// and its terminator do not fit limit bytes.
+// and its terminator do not fit limit bytes, or when the system refuses the
+// path: Windows's ANSI calls stop at MAX_PATH, below kFullPathLimit, even
+// for a long path that folds to a short result.
 bool fullPath(char* buffer, const char* path, int limit);
 
 // _stat64i32: returns true when the path exists. A path that ends in a
-// separator counts as not existing unless it is a root.
-// isDirectory (may be null) receives bit 0x4000 of st_mode.
+// separator counts as not existing unless it is a root ("/", "\", "C:\").
+// isDirectory (may be null) receives bit 0x4000 of st_mode; it is untouched
+// when the result is false.
 bool statPath(const char* path, bool* isDirectory);
 
 // _splitpath's extension: the text from the last dot of the name on, or the
@@ -59,20 +69,21 @@ std::FILE* openJobFile(const char* path);
 // Memory that is never given back: size bytes, zeroed, faulted in at once
 // where the system allows it (a board's model touches hundreds of
 // megabytes, and a fault per page costs more than filling it). Null on
-// failure.
+// failure, and for size 0.
 void* allocateBulkMemory(std::size_t size);
 
 // --- The temporary folder -------------------------------------------------
 
 // A number from the system's random source (getrandom, rand_s), so that runs
 // started together draw different names; where the source fails, the
-// high-resolution clock mixed with the process id.
+// high-resolution clock mixed with the process id (random_fallback.h).
 std::uint32_t randomNumber();
 
 enum class DirectoryCreation { kCreated, kExists, kFailed };
 
 // CreateDirectoryA: makes the directory, and fails with kExists when the
-// name is taken, so that a run claims its folder before anything fills it.
+// name is taken (by anything, a file too), so that a run claims its folder
+// before anything fills it; kFailed for every other failure.
 DirectoryCreation createDirectory(const char* path);
 
 // --- Directory search: FindFirstFileA / FindNextFileA / FindClose --------
@@ -85,8 +96,10 @@ struct FindRecord {
     std::string name;
 };
 
-// One enumeration. Given "dir<sep>*" it yields ".", "..", then the entries
-// of dir in byte order; given a bare path it yields that path's own entry.
+// One enumeration, read whole by findFirst, in one of two forms. Given
+// "dir<sep>*" it yields the directory's "." and ".." (a drive root has
+// none), then its other entries in byte order; given a bare path it yields
+// that path's own entry, and nothing when the path ends in a separator.
 // A symbolic link is never a directory, so no walk recurses through one.
 class DirectorySearch {
 public:
@@ -112,28 +125,23 @@ private:
 // _chmod(path, 0x80): give the owner write permission.
 void makeWritable(const char* path);
 
-// DeleteFileA: false when the file can't be deleted; a read-only file can't.
+// DeleteFileA: true when the file is gone. False for a directory, a
+// read-only file, or one the system won't delete. A link goes as a file,
+// whatever it points at.
 bool deleteFile(const char* path);
 
-// RemoveDirectoryA: false unless the empty directory was removed.
+// RemoveDirectoryA: true when the empty directory is gone. False for a
+// directory with entries, a file, a link (even to a directory), or one the
+// system won't remove.
 bool removeDirectory(const char* path);
 
 // --- Processes: CreateProcessA / WaitForSingleObject / GetExitCodeProcess /
 // CloseHandle -----------------------------------------------------------------
 
-struct ProcessHandle {
-    std::intptr_t id = 0;      // the process: pid or HANDLE
-    std::intptr_t thread = 0;  // the first thread's HANDLE; unused on POSIX
-    bool ended = false;        // waited for, and exitCode is valid
-    std::uint32_t exitCode = 0;
-    std::intptr_t outputPipe = -1;  // read end of a captured output, until it is drained
-    std::string output;             // what a captured process wrote, up to kCapturedOutputLimit bytes
-};
-
 // What a started program's standard streams are.
 enum class ProcessStreams {
     kHidden,    // away from ours, as a hidden console
-    kCaptured,  // output and error into ProcessHandle::output; input one empty line
+    kCaptured,  // output and error into Process::output; input one empty line
 };
 // Enough for every message of a failed unpack; more is read and dropped.
 constexpr std::size_t kCapturedOutputLimit = 1 << 20;
@@ -145,24 +153,51 @@ constexpr std::size_t kCapturedOutputLimit = 1 << 20;
 // gives a literal quote.
 std::vector<std::string> splitCommandLine(const char* commandLine);
 
-// CreateProcessA with CREATE_NEW_CONSOLE and SW_HIDE: starts commandLine
-// without waiting. A bare program name is searched on PATH. Returns false
-// when the program can't be started. A captured program's input holds one
-// empty line, so that a question (7-Zip's password prompt) gets an empty
-// answer instead of waiting for a typist who isn't there.
-bool startProcess(const char* commandLine, ProcessHandle* process,
-                  ProcessStreams streams = ProcessStreams::kHidden);
+// One started program. What the system needs to know of it (a pid and a
+// pipe, or the process, thread and pipe handles) is each twin's own State.
+// Destroying a Process frees that memory but gives nothing back to the
+// system: a probe that is started and dropped keeps its handles until the
+// program ends, and on POSIX may stay a zombie; only close() releases them.
+class Process {
+public:
+    Process();
+    ~Process();
+    Process(const Process&) = delete;
+    Process& operator=(const Process&) = delete;
 
-// WaitForSingleObject(process, INFINITE), reading a captured output to its
-// end first, so that a talkative program never blocks on a full pipe.
-void waitForProcess(ProcessHandle* process);
+    // CreateProcessA with CREATE_NEW_CONSOLE and SW_HIDE: starts commandLine
+    // without waiting. A bare program name is searched on PATH. Returns false,
+    // holding nothing, when the line is empty or the program can't be
+    // started. A captured program's input holds one empty line, so that a
+    // question (7-Zip's password prompt) gets an empty answer instead of
+    // waiting for a typist who isn't there. Each Process starts once.
+    bool start(const char* commandLine, ProcessStreams streams = ProcessStreams::kHidden);
 
-// GetExitCodeProcess: false when the code can't be read.
-bool processExitCode(ProcessHandle* process, std::uint32_t* code);
+    // WaitForSingleObject(process, INFINITE), reading a captured output to
+    // its end first, so that a talkative program never blocks on a full
+    // pipe. Does nothing for a Process that holds no program.
+    void wait();
 
-// CloseHandle on both handles. A process that was never waited for may stay
-// a zombie until the program ends.
-void closeProcess(ProcessHandle* process);
+    // GetExitCodeProcess: false until wait has seen the program end (so for
+    // one still running, never started or closed too); then true, with the
+    // code. A program ended by a signal gives 128 + the signal, as a shell
+    // shows it; one ended through the job object, the job's code.
+    bool exitCode(std::uint32_t* code) const;
+
+    // CloseHandle on the process and its thread, and on an output pipe that
+    // was not read to its end. The program itself is not stopped; the
+    // Process holds nothing afterwards, and output() stays.
+    void close();
+
+    // What a captured program wrote, up to kCapturedOutputLimit bytes: all
+    // of it once wait returns.
+    const std::string& output() const { return output_; }
+
+private:
+    struct State;
+    std::string output_;
+    std::unique_ptr<State> state_;
+};
 
 // --- Interruption: SIGINT, SIGTERM, SIGHUP; Ctrl-C, Ctrl-Break, console close
 //
@@ -173,12 +208,14 @@ void closeProcess(ProcessHandle* process);
 // interruption ends the program at once.
 
 // Installs the handlers; cleanUp(context) is what stopIfInterrupted runs.
-// A null cleanUp leaves nothing to clean up.
+// A null cleanUp leaves nothing to clean up. An interruption that the
+// program was started to ignore (nohup) stays ignored.
 void handleInterruptions(void (*cleanUp)(void*), void* context);
 
 // A point where the run can stop: after an interruption, runs the clean-up,
-// then ends the program as the signal would have (a shell sees 128 + the
-// signal; on Windows the code of a program stopped by Ctrl-C).
+// flushes the standard output, then ends the program as the signal would
+// have (a shell sees 128 + the signal; on Windows the code of a program
+// stopped by Ctrl-C). Returns at once when there was none.
 void stopIfInterrupted();
 
 }  // namespace platform

@@ -12,11 +12,9 @@ namespace {
 const char kUnpackerName[] = "qx7za.exe";
 
 // Starts the candidate once with no arguments. The probe is not waited for
-// and its handles stay open: it may still run when the unpack starts.
-bool probe(const TextString& command) {
-    platform::ProcessHandle process;
-    return platform::startProcess(command.text(), &process);
-}
+// and, never closed, keeps its handles: it may still run when the unpack
+// starts.
+bool probe(const TextString& command) { return platform::Process().start(command.text()); }
 
 }  // namespace
 
@@ -47,15 +45,16 @@ std::int32_t runToEnd(const TextString& command, std::uint32_t* exitCode, std::s
     // An interrupted run starts nothing more, and ends once the tool has
     // been stopped and reaped, before anything looks at what it left.
     platform::stopIfInterrupted();
-    platform::ProcessHandle process;
+    platform::Process process;
     const platform::ProcessStreams streams =
         output != nullptr ? platform::ProcessStreams::kCaptured : platform::ProcessStreams::kHidden;
-    if (!platform::startProcess(command.text(), &process, streams)) return 1;
-    platform::waitForProcess(&process);
+    if (!process.start(command.text(), streams)) return 1;
+    process.wait();
     platform::stopIfInterrupted();
-    if (output != nullptr) output->swap(process.output);
-    if (!platform::processExitCode(&process, exitCode)) return 2;
-    platform::closeProcess(&process);
+    if (output != nullptr) *output = process.output();
+    // A code that can't be read leaves the handles open, as it always did.
+    if (!process.exitCode(exitCode)) return 2;
+    process.close();
     return 0;
 }
 

@@ -6,10 +6,12 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "platform/random_fallback.h"
 #include "support/test_support.h"
 
 #ifdef _WIN32
@@ -124,7 +126,7 @@ TEST_F(PlatformTest, DirectorySearchListsDotsFirstThenByteOrder) {
     EXPECT_EQ(listing(path("*")), ". D\n.. D\nC\nZ\n_x\na\nb\nempty D\nro R\nsub D\n");
     EXPECT_EQ(listing(path("empty" + S + "*")), ". D\n.. D\n");
     EXPECT_EQ(listing(path("sub")) + listing(path("ro")), "sub D\nro R\n");
-    for (const char* name : {"missing", "missing/*", "a/*"}) EXPECT_EQ(listing(path(name)), "<none>") << name;
+    for (const char* name : {"missing", "missing/*", "a/*", "sub/"}) EXPECT_EQ(listing(path(name)), "<none>") << name;
     platform::DirectorySearch search;
     platform::FindRecord record;
     EXPECT_FALSE(search.findFirst(path("missing").c_str(), record) || search.findNext(record) || !record.name.empty());
@@ -197,14 +199,22 @@ TEST(PlatformProcessTest, SplitCommandLineFollowsTheWindowsRuntime) {
     for (const auto& c : cases) EXPECT_EQ(platform::splitCommandLine(c.line), c.arguments) << c.line;
 }
 
+// Without the system's random source, draws within one clock tick differ.
+TEST(PlatformRandomTest, FallbackDrawsDifferWithinOneTick) {
+    std::set<std::uint32_t> draws;
+    for (int i = 0; i < 8; ++i) draws.insert(platform::fallbackRandomNumber(12345, 42));
+    EXPECT_EQ(draws.size(), 8u);
+}
+
 std::uint32_t runToEnd(const std::string& commandLine) {
-    platform::ProcessHandle process;
-    if (!platform::startProcess(commandLine.c_str(), &process)) return 999;
-    platform::waitForProcess(&process);
+    platform::Process process;
+    if (!process.start(commandLine.c_str())) return 999;
     std::uint32_t code = 998;
-    if (!platform::processExitCode(&process, &code)) code = 997;
-    platform::closeProcess(&process);
-    return code;
+    if (process.exitCode(&code)) return 996;  // not before the end
+    process.wait();
+    if (!process.exitCode(&code)) code = 997;
+    process.close();
+    return process.exitCode(&code) ? 995 : code;
 }
 
 // A bare name is found on the search path; the child's output goes to its
