@@ -280,7 +280,7 @@ private:
 struct CarriedValues {
     bool hasPackage = false;
     std::int32_t packageIndex = 0;
-    std::string_view pinText;
+    std::string_view pinText = "";
 };
 
 // "NETLIST", a block for each net, "END_NETLIST".
