@@ -9,7 +9,6 @@
 #include <climits>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 
 #include "containers/text_string.h"
 
@@ -82,26 +81,6 @@ const char* plainRealEnd(const char* p) {
     return p;
 }
 
-// The value of a plain real token, exact, as strtod gives it. A mantissa
-// below 2^53 and a power of ten up to 10^22 are both exact doubles, so one
-// division rounds correctly, as strtod does. Other tokens go to strtod.
-double decimalValue(const char* p) {
-    static const double kPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
-                                     1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-    const char* start = p;
-    const bool negative = *p == '-';
-    if (*p == '+' || *p == '-') ++p;
-    unsigned long long mantissa = 0;
-    int scale = 0;
-    for (; isDigit(*p); ++p) mantissa = mantissa * 10 + static_cast<unsigned>(*p - '0');
-    if (*p == '.') {
-        for (++p; isDigit(*p); ++p, --scale) mantissa = mantissa * 10 + static_cast<unsigned>(*p - '0');
-    }
-    if (*p == 'e' || *p == 'E' || mantissa >= (1ULL << 53) || scale < -22) return std::strtod(start, nullptr);
-    const double value = static_cast<double>(mantissa) / kPowers[-scale];
-    return negative ? -value : value;
-}
-
 // The fields of scanFields, in format order. Pass and Blank assign nothing;
 // every other field counts as assigned once read, whether or not its value
 // is kept.
@@ -118,9 +97,7 @@ struct Character {  // "%c"
 struct Integer {  // "%ld"; a null out only checks the number's form
     long* out;
 };
-struct Real {  // "%lf"; a null out only checks the number's form
-    double* out;
-};
+struct Real {};  // "%lf"; no reader wants a real's value: only its form is checked
 }  // namespace field
 
 // The state of one scanFields: where it stands, and how many fields it
@@ -160,11 +137,10 @@ public:
         p_ = end;
         return assigned();
     }
-    bool step(field::Real f) {
+    bool step(field::Real) {
         if (!reachField()) return false;
         const char* end = plainRealEnd(p_);
         if (end == nullptr) return unsure();
-        if (f.out != nullptr) *f.out = decimalValue(p_);
         p_ = end;
         return assigned();
     }
@@ -229,9 +205,9 @@ int scanNameRecord(const char* line, char* name) {
 }
 
 int scanCmpRecord(const char* line, long* packageNumber, char* mirror, char* name, char* partName) {
-    const int result = scanFields(line, field::Pass{}, field::Integer{packageNumber}, field::Real{nullptr},
-                                  field::Real{nullptr}, field::Real{nullptr}, field::Blank{},
-                                  field::Character{mirror}, field::Word{name, kWord}, field::Word{partName, kWord});
+    const int result = scanFields(line, field::Pass{}, field::Integer{packageNumber}, field::Real{}, field::Real{},
+                                  field::Real{}, field::Blank{}, field::Character{mirror}, field::Word{name, kWord},
+                                  field::Word{partName, kWord});
     if (result != kUnsure) return result;
     double x = 0, y = 0, rotation = 0;
     return std::sscanf(line, "%*s %ld %lf %lf %lf %c %2047s %2047s", packageNumber, &x, &y, &rotation, mirror, name,
@@ -244,10 +220,9 @@ int scanPrpRecord(const char* line, char* name, char* value) {
 }
 
 int scanTopRecord(const char* line, long* pinNumber, char* mirror, long* netNumber, char* pinText) {
-    const int result = scanFields(line, field::Pass{}, field::Integer{pinNumber}, field::Real{nullptr},
-                                  field::Real{nullptr}, field::Real{nullptr}, field::Blank{},
-                                  field::Character{mirror}, field::Integer{netNumber}, field::Integer{nullptr},
-                                  field::Word{pinText, kWord});
+    const int result = scanFields(line, field::Pass{}, field::Integer{pinNumber}, field::Real{}, field::Real{},
+                                  field::Real{}, field::Blank{}, field::Character{mirror}, field::Integer{netNumber},
+                                  field::Integer{nullptr}, field::Word{pinText, kWord});
     if (result != kUnsure) return result;
     double x = 0, y = 0, rotation = 0;
     long subnetNumber = 0;
