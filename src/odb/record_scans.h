@@ -3,7 +3,7 @@
 // what sscanf with that format gives: the same result and the same areas
 // (a value that nobody reads may be left unwritten, as marked). The fields
 // are read directly; a number that only sscanf reads right sends the line
-// through the format itself.
+// to sscanf with that format.
 #pragma once
 
 // eda/data, NET: "%*s %2047s %2047s".
