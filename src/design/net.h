@@ -20,8 +20,10 @@ public:
     // makes: a board has a net pin for every connection.
     NetPin(const char* key, std::int32_t pinIndex) : key(key), pinIndex(pinIndex) {}
 
-    TextString key;  // the record's spare text, always empty, is not stored
+    TextString key;
     std::int32_t pinIndex;
+    // Empty for every pin and never set: one shared empty text (see PartPin).
+    static inline const TextString spare;
 };
 
 // The connections of a Net, in record order, without duplicates: the list is

@@ -23,11 +23,14 @@ public:
     // netlist shows.
     PartPin(const char* name, std::int32_t pinNumber, std::int32_t netNumber, const char* pinText);
 
-    // A pin record's two spare texts, always empty and never read, are
-    // not stored: half a million pins would carry 48 bytes each for them.
     std::int32_t pinNumber = 0;
     std::int32_t netNumber = 0;
     TextString pinText;
+    // A pin record's two spare texts are empty for every pin and never set:
+    // one shared empty text stands for each, where copies in every pin
+    // would cost a large board 32 bytes on each of half a million pins.
+    static inline const TextString spare1;
+    static inline const TextString spare2;
 
     ODB2VRN_POOLED(PartPin)
 };
