@@ -75,7 +75,9 @@ for round in $(seq "$rounds"); do
     for folder in "$scratch/round$round"/*/*; do
         name=$(basename "$folder") alone=$scratch/alone/$(basename "$folder")
         for file in status console errors "$name.vrn"; do
-            cmp -s "$alone/$file" "$folder/$file" || fail "round $round, $name: $file differs from the run alone"
+            cmp -s "$alone/$file" "$folder/$file" ||
+                fail "round $round, $name: $file differs from the run alone (exit code $(cat "$folder/status")," \
+                    "console: $(tail -c 400 "$folder/console"), wine: $(tail -c 400 "$folder/wine" 2>/dev/null))"
         done
     done
     left=$(ls -A "$TMP")
