@@ -6,6 +6,7 @@
 #include "design/design.h"
 #include "frame/conversion.h"
 #include "frame/run_options.h"
+#include "platform/platform.h"
 
 namespace {
 
@@ -31,5 +32,8 @@ void moveOlderOutputAside(const char* outputFile) {
 
 void runOutputStage(RunOptions& options, Design& design) {
     moveOlderOutputAside(options.outputFile.text());
+    // The design name is the archive's name, written as the messages that
+    // quote a path are.
+    options.baseName.assign(platform::asWritten(options.baseName.text()).c_str());
     design.writeNetlistFile(options.outputFile.text(), options.baseName);
 }

@@ -107,7 +107,7 @@ bool parseArguments(RunOptions& options, int argc, const char* const* argv) {
 
     bool isDirectory = false;
     if (!platform::statPath(options.inputFile.text(), &isDirectory)) {
-        std::printf("\nInput file \"%s\" not found\n", options.inputFile.text());
+        std::printf("\nInput file \"%s\" not found\n", platform::asWritten(options.inputFile.text()).c_str());
         return false;
     }
     if (isDirectory) {
@@ -133,12 +133,13 @@ bool parseArguments(RunOptions& options, int argc, const char* const* argv) {
     for (int i = 2; i < argc; i += 2) {
         const char* arg = argv[i];
         if (arg[0] != '-') {
-            std::printf("Error: %s unknown argument\n\n", arg);
+            std::printf("Error: %s unknown argument\n\n", platform::asWritten(arg).c_str());
             return false;
         }
         if (arg[1] != 'o') {
-            // A lone "-" reaches here with its terminating zero as the option.
-            std::printf("Error: -%c unknown option\n\n", arg[1]);
+            // A lone "-" reaches here with its terminating zero as the option;
+            // a character past ASCII shows the first byte it is written with.
+            std::printf("Error: -%c unknown option\n\n", platform::asWritten(arg)[1]);
             return false;
         }
         if (i + 1 >= argc || argv[i + 1][0] == '-') {

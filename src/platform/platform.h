@@ -40,6 +40,15 @@ void currentDirectory(char* buffer, int size);
 // getenv: the variable's value, or null.
 inline const char* environmentValue(const char* name) { return std::getenv(name); }
 
+// A text as the program writes it (a console message that quotes a path or a
+// variable, the VRN file's design name), in the bytes this system's texts
+// have: on POSIX the text itself. On Windows, whose A-functions carry UTF-8
+// (the manifest's active code page), the text in the system's ANSI code
+// page, as a build without that declaration wrote it; a text that isn't
+// UTF-8, or that the code page can't hold whole, stays as it is: nothing is
+// ever written as '?'.
+std::string asWritten(const char* text);
+
 // _fullpath(buffer, path, limit): the absolute form of path, resolved by text
 // ("." and ".." folded, repeated separators collapsed, a trailing separator
 // kept; no link resolution, no existence test). An empty path gives the

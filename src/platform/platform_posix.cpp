@@ -27,6 +27,9 @@ void currentDirectory(char* buffer, int size) {
     if (getcwd(buffer, static_cast<size_t>(size)) == nullptr) buffer[0] = '\0';
 }
 
+// Paths are bytes here, written as they came.
+std::string asWritten(const char* text) { return text; }
+
 bool fullPath(char* buffer, const char* path, int limit) {
     std::string joined;
     if (path[0] != '/') {

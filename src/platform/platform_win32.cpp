@@ -15,6 +15,7 @@
 #include <sys/types.h>
 
 #include <algorithm>
+#include <climits>
 #include <cstring>
 
 #include "platform/random_fallback.h"
@@ -30,6 +31,47 @@ void currentDirectory(char* buffer, int size) {
     // (terminator included) when the buffer is too small.
     const DWORD length = GetCurrentDirectoryA(static_cast<DWORD>(size), buffer);
     if (length == 0 || length >= static_cast<DWORD>(size)) buffer[0] = '\0';
+}
+
+namespace {
+
+// The system's ANSI code page. GetACP answers UTF-8 once the manifest
+// declares it; the system locale keeps the code page that the users' other
+// programs write. (GetLocaleInfoEx with the system default's name fails
+// under Wine.) UTF-8 when it can't be read, which leaves texts as they are.
+UINT systemCodePage() {
+    DWORD codePage = 0;
+    const int read = GetLocaleInfoW(LOCALE_SYSTEM_DEFAULT, LOCALE_IDEFAULTANSICODEPAGE | LOCALE_RETURN_NUMBER,
+                                    reinterpret_cast<LPWSTR>(&codePage), sizeof codePage / sizeof(WCHAR));
+    return read == 0 || codePage == 0 ? CP_UTF8 : codePage;
+}
+
+}  // namespace
+
+std::string asWritten(const char* text) {
+    // A Windows older than 1903 ignores the declaration, and its texts are
+    // in the ANSI code page already.
+    if (GetACP() != CP_UTF8) return text;
+    const UINT codePage = systemCodePage();
+    const std::size_t length = std::strlen(text);
+    if (codePage == CP_UTF8 || length == 0 || length > static_cast<std::size_t>(INT_MAX)) return text;
+    const int size = static_cast<int>(length);
+    const int wideLength = MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, text, size, nullptr, 0);
+    if (wideLength == 0) return text;  // not UTF-8
+    std::wstring wide(static_cast<std::size_t>(wideLength), L'\0');
+    MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, text, size, &wide[0], wideLength);
+    // No best fit: a character the code page lacks must not become a look-
+    // alike ('u' for 'ü' on 932) any more than '?'. The code page's default
+    // character marks it, and the UTF-8 text is kept whole. A code page that
+    // refuses these flags fails, and keeps it too.
+    const int bytes = WideCharToMultiByte(codePage, WC_NO_BEST_FIT_CHARS, wide.data(), wideLength, nullptr, 0,
+                                          nullptr, nullptr);
+    if (bytes <= 0) return text;
+    std::string result(static_cast<std::size_t>(bytes), '\0');
+    BOOL usedDefault = FALSE;
+    const int written = WideCharToMultiByte(codePage, WC_NO_BEST_FIT_CHARS, wide.data(), wideLength, &result[0],
+                                            bytes, nullptr, &usedDefault);
+    return written == bytes && !usedDefault ? result : std::string(text);
 }
 
 bool fullPath(char* buffer, const char* path, int limit) {

@@ -34,7 +34,7 @@ std::int32_t ArchiveUnpacker::expandCompressedFiles(CompressedFileList& queue) {
                                    file.fileName + "\" -o\"" + file.directory + "\" -y";
         std::uint32_t exitCode = 0;
         const std::int32_t run = runToEnd(command, &exitCode, nullptr);
-        if (run == 1) std::printf("Error in Call unzip: %s\n", command.text());
+        if (run == 1) std::printf("Error in Call unzip: %s\n", platform::asWritten(command.text()).c_str());
         if (run != 0) return 1;
         // 7-Zip's exit codes: 0 fine, 1 warning, 2 fatal error, 7 command
         // line error, 8 out of memory, 255 stopped by the user.
@@ -43,11 +43,11 @@ std::int32_t ArchiveUnpacker::expandCompressedFiles(CompressedFileList& queue) {
             case 1:
                 continue;
             case 2:
-                std::printf("Cannot open : %s\n", file.fileName.text());
+                std::printf("Cannot open : %s\n", platform::asWritten(file.fileName.text()).c_str());
                 std::printf("Use 7-Zip (A) 9.20 (2010-11-18) from Korvane Systems' installation\n");
                 return 2;
             case 7:
-                std::printf("Bad Command : %s\n", command.text());
+                std::printf("Bad Command : %s\n", platform::asWritten(command.text()).c_str());
                 return 2;
             case 8:
                 return 3;

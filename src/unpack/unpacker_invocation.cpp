@@ -26,7 +26,7 @@ bool ArchiveUnpacker::findUnpacker() {
         if (probe(command)) {
             unpackerFound = true;
             unpackerCommand.assign(command);
-            std::printf("Using unzip: %s\n", unpackerCommand.text());
+            std::printf("Using unzip: %s\n", platform::asWritten(unpackerCommand.text()).c_str());
             return true;
         }
     }
@@ -65,7 +65,7 @@ std::int32_t ArchiveUnpacker::runUnpacker(const TextString& source, const TextSt
     std::uint32_t exitCode = 0;
     std::string output;
     if (runToEnd(command, &exitCode, &output) != 0) {
-        std::printf("Error in Call unzip: %s\n", command.text());
+        std::printf("Error in Call unzip: %s\n", platform::asWritten(command.text()).c_str());
         return 1;
     }
     treeCreated = true;
@@ -73,6 +73,7 @@ std::int32_t ArchiveUnpacker::runUnpacker(const TextString& source, const TextSt
     // Other failures are judged by what the tool left.
     const std::string damage = unpackDamage(exitCode, output);
     if (!damage.empty()) {
+        // 7-Zip's own text, in the bytes 7-Zip wrote it.
         std::printf("Error, unzip failed: %s\n", damage.c_str());
         return kDamagedPass;
     }

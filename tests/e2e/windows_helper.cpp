@@ -14,6 +14,9 @@
 //               standard input from file <in> and its output to files <out>
 //               and <err>, and ends with its exit code. The files are opened
 //               here, so that nothing Wine writes itself mixes with them.
+//
+// Like the converter, it declares UTF-8 as its active code page
+// (windows_helper.rc), so that paths past ASCII pass through it whole.
 #include <windows.h>
 
 #include <cstdio>

@@ -4,14 +4,16 @@
 # unrelated folder, once by the program's full path and once through PATH,
 # each from a .bat file. Every VRN file and console must be the expected one
 # (CR LF), TMP empty afterwards; the programs import system DLLs only, and
-# the version resource names the project's version.
+# the version resource names the project's version. Then the end-to-end cases
+# of paths past ASCII (tests/e2e/cases/paths) run against the zip's program,
+# with the Windows system code pages 1252 and 932.
 #
-#   tests/release/windows_zip.sh <odb2vrn-<version>-win64.zip>
+#   tests/release/windows_zip.sh <odb2vrn-<version>-win64.zip> <e2e_windows_helper.exe>
 #
 # Boards: the demo job (packed as scripts/convert packs it, with a ".Z"
 # member) and the shared samples when ../shared/samples is there.
 set -euo pipefail
-zip=$(realpath "$1")
+zip=$(realpath "$1") helper=$(realpath "$2")
 here=$(cd "$(dirname "$0")" && pwd)
 source_dir=$(dirname "$(dirname "$here")")
 fail() { echo "FAIL: $*"; exit 1; }
@@ -133,4 +135,20 @@ for way in full_path search_path; do
     done
     [ -z "$(ls -A "$scratch/tmp")" ] || fail "$way: left in TMP: $(ls -A "$scratch/tmp")"
 done
-echo "PASS: $name converts the boards ($(cd "$boards" && echo *.tgz)) by full path and through PATH, byte for byte; system DLLs only; version $version"
+# --- Paths past ASCII, in both code pages ---------------------------------------
+cases=("$source_dir"/tests/e2e/cases/paths/*/)
+passed=0
+for code_page in 1252 932; do
+    for case_dir in "${cases[@]}"; do
+        status=0
+        ODB2VRN_WINE_CODE_PAGE=$code_page bash "$source_dir/tests/e2e/run_case" "$case_dir" "$folder" \
+            "$(command -v wine)" "$helper" >"$scratch/case.log" 2>&1 || status=$?
+        case $status in
+        0) passed=$((passed + 1)) ;;
+        77) echo "$(basename "$case_dir"), code page $code_page: $(cat "$scratch/case.log")" ;;
+        *) fail "code page $code_page, $(basename "$case_dir"): $(cat -v "$scratch/case.log")" ;;
+        esac
+    done
+done
+echo "PASS: $name converts the boards ($(cd "$boards" && echo *.tgz)) by full path and through PATH, byte for byte,"
+echo "and $passed runs of the ${#cases[@]} cases of paths past ASCII in the code pages 1252 and 932; system DLLs only; version $version"
