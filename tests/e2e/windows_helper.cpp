@@ -62,10 +62,19 @@ int run(const std::string& program, char** arguments, int count, const HANDLE (&
     limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
     SetInformationJobObject(job, JobObjectExtendedLimitInformation, &limits, sizeof limits);
     PROCESS_INFORMATION started = {};
-    if (!CreateProcessA(program.c_str(), &line[0], nullptr, nullptr, TRUE, CREATE_NO_WINDOW | CREATE_SUSPENDED,
-                        nullptr, nullptr, &startup, &started)) {
-        std::fprintf(stderr, "cannot start %s: error %lu\n", program.c_str(), GetLastError());
-        return 98;
+    // Wine, with many runs at once, now and then refuses a start with
+    // ERROR_INTERNAL_ERROR (once in a CI run of the Wine suite); nothing of
+    // the program began, so it is started again.
+    for (int attempt = 1;; ++attempt) {
+        if (CreateProcessA(program.c_str(), &line[0], nullptr, nullptr, TRUE, CREATE_NO_WINDOW | CREATE_SUSPENDED,
+                           nullptr, nullptr, &startup, &started))
+            break;
+        const DWORD error = GetLastError();
+        if (error != ERROR_INTERNAL_ERROR || attempt == 5) {
+            std::fprintf(stderr, "cannot start %s: error %lu\n", program.c_str(), error);
+            return 98;
+        }
+        Sleep(500);
     }
     AssignProcessToJobObject(job, started.hProcess);
     ResumeThread(started.hThread);
