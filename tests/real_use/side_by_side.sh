@@ -10,7 +10,8 @@
 # With the last two it runs the Win64 build under Wine (16 at once, 3
 # rounds, boards of the source tree instead of generated ones).
 # ODB2VRN_RUNS_AT_ONCE and ODB2VRN_ROUNDS change the load (24 and 5 here).
-set -euo pipefail
+set -eEuo pipefail
+trap 'echo "FAILED: $BASH_COMMAND (line $LINENO)"' ERR
 bin=$(cd "$1" && pwd) odbgen=$2 wine=${3-} helper=${4:+$(realpath "$4")}
 width=${ODB2VRN_RUNS_AT_ONCE:-$([ -n "$wine" ] && echo 16 || echo 24)}
 rounds=${ODB2VRN_ROUNDS:-$([ -n "$wine" ] && echo 3 || echo 5)}
@@ -48,14 +49,21 @@ native() { if [ -n "$wine" ]; then local path=${1//\//\\}; echo "Z:$path"; else 
 convert() {
     mkdir -p "$2" && (
         cd "$2"
+        status=0
         if [ -n "$wine" ]; then
             "$wine" "$helper" NUL "$(native "$2/console")" "$(native "$2/errors")" TEMP RQT32 VOSKARDIR \
-                "TMP=$(native "$TMP")" -- "$(native "$bin/Odb2vrn_64.exe")" "$(native "$1")" >wine 2>&1
+                "TMP=$(native "$TMP")" -- "$(native "$bin/Odb2vrn_64.exe")" "$(native "$1")" >wine 2>&1 || status=$?
         else
-            "$bin/Odb2vrn_64" "$1" >console 2>errors
+            "$bin/Odb2vrn_64" "$1" >console 2>errors || status=$?
         fi
-        echo $? >status
+        echo $status >status
     )
+}
+
+# What a run left in its folder, for a failure's message.
+left_by() {
+    echo "exit code $(cat "$1/status" 2>/dev/null || echo none)," \
+        "console: $(tail -c 400 "$1/console" 2>/dev/null || true), wine: $(tail -c 400 "$1/wine" 2>/dev/null || true)"
 }
 
 # What each archive gives alone.
@@ -63,7 +71,7 @@ for archive in "${archives[@]}"; do
     name=$(basename "$archive" .tgz)
     convert "$archive" "$scratch/alone/$name"
     [ "$(cat "$scratch/alone/$name/status")" = 0 ] && [ -s "$scratch/alone/$name/$name.vrn" ] ||
-        fail "$name alone: exit code $(cat "$scratch/alone/$name/status"), console: $(cat "$scratch/alone/$name/console")"
+        fail "$name alone: $(left_by "$scratch/alone/$name")"
 done
 
 for round in $(seq "$rounds"); do
@@ -76,8 +84,7 @@ for round in $(seq "$rounds"); do
         name=$(basename "$folder") alone=$scratch/alone/$(basename "$folder")
         for file in status console errors "$name.vrn"; do
             cmp -s "$alone/$file" "$folder/$file" ||
-                fail "round $round, $name: $file differs from the run alone (exit code $(cat "$folder/status")," \
-                    "console: $(tail -c 400 "$folder/console"), wine: $(tail -c 400 "$folder/wine" 2>/dev/null))"
+                fail "round $round, $name: $file differs from the run alone ($(left_by "$folder"))"
         done
     done
     left=$(ls -A "$TMP")
