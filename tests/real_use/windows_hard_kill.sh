@@ -7,7 +7,8 @@
 # windows_hard_kill.sh <bin-dir> <wine> <e2e_windows_helper.exe>
 #
 # The helper serves as the unpacker's test double only.
-set -euo pipefail
+set -eEuo pipefail
+trap 'echo "FAILED: $BASH_COMMAND (line $LINENO)"' ERR
 bin=$(cd "$1" && pwd) wine=$2 helper=$(realpath "$3")
 fail() { echo "FAIL: $*"; exit 1; }
 

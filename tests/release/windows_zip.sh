@@ -12,7 +12,8 @@
 #
 # Boards: the demo job (packed as scripts/convert packs it, with a ".Z"
 # member) and the shared samples when ../shared/samples is there.
-set -euo pipefail
+set -eEuo pipefail
+trap 'echo "FAILED: $BASH_COMMAND (line $LINENO)"' ERR
 zip=$(realpath "$1") helper=$(realpath "$2")
 here=$(cd "$(dirname "$0")" && pwd)
 source_dir=$(dirname "$(dirname "$here")")
@@ -24,9 +25,7 @@ name=$(basename "$zip" .zip)
 scratch=$(mktemp -d "${TMPDIR:-/tmp}/odb2vrn_release.XXXXXX")
 export WINEPREFIX="$scratch/prefix" WINEARCH=win64 WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
 unset DISPLAY WAYLAND_DISPLAY
-keeper=""
 finish() {
-    [ -n "$keeper" ] && kill "$keeper" 2>/dev/null || true
     wineserver -k 2>/dev/null || true
     rm -rf "$scratch"
 }
@@ -99,7 +98,6 @@ timeout 300 wine wineboot -i >/dev/null 2>&1
 # A long-lived process in a hidden console of its own, as in
 # scripts/test-win64: hidden-console starts of qx7za.exe don't stall then.
 timeout 1800 wine cmd /c start /min cmd /c "ping -n 1800 127.0.0.1 >nul" >/dev/null 2>&1 </dev/null &
-keeper=$!
 
 for way in full_path search_path; do
     elsewhere="$scratch/elsewhere/$way"
