@@ -1,13 +1,25 @@
 # CPack pre-build step on the staged tree of the Debian package.
 
-# Debian keeps manual pages gzipped (-n: no name or time stamp, so the
-# package is the same from build to build); the plain install tree keeps
-# them readable as they are.
-file(GLOB_RECURSE pages "${CPACK_TEMPORARY_DIRECTORY}/*/share/man/man[1-9]/*.[1-9]")
-foreach(page IN LISTS pages)
-  execute_process(COMMAND gzip -9nf "${page}" RESULT_VARIABLE status)
+# Debian keeps manual pages and changelogs gzipped (-n: no name or time
+# stamp, so the package is the same from build to build); the plain install
+# tree keeps them readable as they are.
+file(GLOB_RECURSE texts "${CPACK_TEMPORARY_DIRECTORY}/*/share/man/man[1-9]/*.[1-9]"
+     "${CPACK_TEMPORARY_DIRECTORY}/*/share/doc/*/changelog")
+foreach(text IN LISTS texts)
+  execute_process(COMMAND gzip -9nf "${text}" RESULT_VARIABLE status)
   if(NOT status EQUAL 0)
-    message(FATAL_ERROR "gzip failed on ${page}")
+    message(FATAL_ERROR "gzip failed on ${text}")
+  endif()
+endforeach()
+
+# Stripped as Debian's own packages are (dh_strip): no symbols, and no
+# .comment or .note section, which only name the tools that built it.
+file(GLOB_RECURSE programs "${CPACK_TEMPORARY_DIRECTORY}/*/bin/Odb2vrn_64")
+foreach(program IN LISTS programs)
+  execute_process(COMMAND "${CPACK_ODB2VRN_STRIP}" --remove-section=.comment --remove-section=.note
+                          --strip-unneeded "${program}" RESULT_VARIABLE status)
+  if(NOT status EQUAL 0)
+    message(FATAL_ERROR "strip failed on ${program}")
   endif()
 endforeach()
 

@@ -9,18 +9,18 @@ include(GNUInstallDirs)
 set(ODB2VRN_COMPONENT odb2vrn)
 
 install(TARGETS Odb2vrn_64 RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT ${ODB2VRN_COMPONENT})
-install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/doc/copyright
+install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/doc/copyright ${PROJECT_SOURCE_DIR}/doc/changelog
         DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT ${ODB2VRN_COMPONENT})
 
 if(WIN32)
-  # On Windows the product's own qx7za.exe is used, and there is no man page.
+  # On Windows the product's own qx7za.exe is used, and there are no man pages.
   return()
 endif()
 
 # The program finds qx7za.exe on PATH, so the launcher goes beside it.
 install(PROGRAMS ${PROJECT_SOURCE_DIR}/tools/qx7za/qx7za.exe
         DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT ${ODB2VRN_COMPONENT})
-install(FILES ${PROJECT_SOURCE_DIR}/doc/Odb2vrn_64.1
+install(FILES ${PROJECT_SOURCE_DIR}/doc/Odb2vrn_64.1 ${PROJECT_SOURCE_DIR}/doc/qx7za.exe.1
         DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT ${ODB2VRN_COMPONENT})
 
 # --- Debian package (scripts/package) ---------------------------------------
@@ -28,7 +28,8 @@ install(FILES ${PROJECT_SOURCE_DIR}/doc/Odb2vrn_64.1
 set(CPACK_GENERATOR DEB)
 set(CPACK_INSTALL_CMAKE_PROJECTS "${CMAKE_BINARY_DIR};${PROJECT_NAME};${ODB2VRN_COMPONENT};/")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
-set(CPACK_STRIP_FILES ON)
+# Stripped in the staged tree, as Debian strips (deb_staging.cmake).
+set(CPACK_ODB2VRN_STRIP "${CMAKE_STRIP}")
 set(CPACK_PACKAGE_NAME odb2vrn)
 set(CPACK_PACKAGE_VENDOR "Korvane Systems")
 # The version is the program's own (the banner and the VRN header show it).
@@ -40,8 +41,9 @@ set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
-# 7zip does the unpacking (qx7za.exe runs its 7zz); the C++ runtime comes
-# from dpkg-shlibdeps.
+# 7zip does the unpacking: on Debian 12 and 13 alike it gives a console
+# that reads ".Z", which qx7za.exe runs. The C++ runtime comes from
+# dpkg-shlibdeps.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS 7zip)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
@@ -56,7 +58,8 @@ Only the job's matrix, the step's EDA data and the top and bottom
 components files are read; no geometry is. The program runs once per
 board, from a shell or from another tool, and needs no configuration.")
 
-# Gzipped manual pages and world-readable folders in the package.
+# Gzipped manual pages and changelog, a stripped program, world-readable
+# folders.
 set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/deb_staging.cmake)
 
 include(CPack)

@@ -12,8 +12,8 @@ odbgen=$1 bin=$2 expected_vrn=$3 expected_console=$4
 
 fail() { echo "FAIL: $*"; exit 1; }
 
-if ! command -v 7zz >/dev/null && ! command -v 7za >/dev/null && ! command -v 7z >/dev/null; then
-    echo "SKIP: no 7-Zip console (7zz, 7za or 7z) to unpack the board"
+if ! "$bin/qx7za.exe" >/dev/null 2>&1; then
+    echo "SKIP: no 7-Zip console for qx7za.exe to run"
     exit 77
 fi
 

@@ -2,7 +2,7 @@
 // apart by its file name:
 //
 //   qx7za.exe   the unpacker's test double, twin of the script
-//               unpacker_double/qx7za.exe (which tells what it does); "7zz"
+//               unpacker_double/qx7za.exe (which tells what it does); "real"
 //               runs the build's real qx7za.exe, "tar" has no Windows
 //               counterpart and fails with 99, "sleep" waits two minutes
 //               (an unpack that outlasts a hard kill of the converter). Its
@@ -121,7 +121,7 @@ int unpackerDouble(int argc, char** argv, const std::string& here) {
     const std::string source = argc > 2 ? argv[2] : "";
     const char last = source.size() > 2 && source[source.size() - 2] == '.' ? source.back() : ' ';
     const std::string kind = last == 'Z' || last == 'z' ? "expand" : "unpack";
-    std::string action = "7zz", code;
+    std::string action = "real", code;
     std::ifstream behaviour(here + "behaviour");
     for (std::string text; std::getline(behaviour, text);) {
         std::istringstream words(text);
@@ -136,7 +136,7 @@ int unpackerDouble(int argc, char** argv, const std::string& here) {
     }
     const HANDLE standard[3] = {GetStdHandle(STD_INPUT_HANDLE), GetStdHandle(STD_OUTPUT_HANDLE), GetStdHandle(STD_ERROR_HANDLE)};
     if (action == "sleep") Sleep(120000);
-    const int status = action == "7zz"                         ? run(ODB2VRN_REAL_UNPACKER, argv + 1, argc - 1, standard)
+    const int status = action == "real"                        ? run(ODB2VRN_REAL_UNPACKER, argv + 1, argc - 1, standard)
                        : action == "none" || action == "sleep" ? 0
                                                                : 99;
     return code.empty() ? status : std::atoi(code.c_str());

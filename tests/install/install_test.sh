@@ -4,7 +4,8 @@
 # PATH. Two ways in:
 #   prefix   cmake --install into a scratch prefix
 #   package  the Debian package made by CPack, unpacked with dpkg-deb -x
-#            (exit 77, a skip, where dpkg-deb is absent)
+#            (exit 77, a skip, where dpkg-deb is absent); lintian, where
+#            installed, must report nothing on it
 # Either way the installed tree must hold exactly the shipped files.
 #
 # install_test.sh prefix|package <build-dir> <version> <job-dir> <expected.vrn> <expected.console>
@@ -28,12 +29,14 @@ case $mode in
 prefix)
     "${CMAKE:-cmake}" --install "$build" --prefix "$scratch/root" >/dev/null
     root=$scratch/root
-    man_page=share/man/man1/Odb2vrn_64.1
+    gz=""
     if command -v groff >/dev/null; then
-        warnings=$(groff -man -ww -z "$root/$man_page" 2>&1)
-        [ -z "$warnings" ] || fail "groff warns on the manual page:"$'\n'"$warnings"
+        for page in "$root"/share/man/man1/*.1; do
+            warnings=$(groff -man -ww -z "$page" 2>&1)
+            [ -z "$warnings" ] || fail "groff warns on $(basename "$page"):"$'\n'"$warnings"
+        done
     else
-        echo "note: groff not found, the manual page is not checked"
+        echo "note: groff not found, the manual pages are not checked"
     fi
     ;;
 package)
@@ -53,11 +56,26 @@ package)
     strays=$(dpkg-deb -c "$deb" | awk '$2 != "root/root" || ($1 ~ /^d/ && $1 != "drwxr-xr-x")')
     [ -z "$strays" ] || fail "entries with wrong owner or mode:"$'\n'"$strays"
 
+    if command -v lintian >/dev/null; then
+        # Its findings go to standard output; its standard error holds notes
+        # of its own (running as root), shown only when it fails.
+        status=0
+        findings=$(lintian "$deb" 2>"$scratch/lintian.errors") || status=$?
+        [ -z "$findings" ] || fail "lintian reports:"$'\n'"$findings"
+        [ $status -eq 0 ] || fail "lintian failed (exit $status): $(cat "$scratch/lintian.errors")"
+    else
+        echo "note: lintian not found, the package is not checked by it"
+    fi
+
     dpkg-deb -x "$deb" "$scratch/x"
     root=$scratch/x/usr
     [ "$(ls -A "$scratch/x")" = usr ] || fail "files outside /usr: $(ls -A "$scratch/x")"
-    man_page=share/man/man1/Odb2vrn_64.1.gz
-    gzip -t "$root/$man_page" || fail "the manual page is no gzip file"
+    gz=.gz
+    for text in share/man/man1/Odb2vrn_64.1 share/man/man1/qx7za.exe.1 share/doc/odb2vrn/changelog; do
+        gzip -t "$root/$text.gz" || fail "$text.gz is no gzip file"
+    done
+    top=$(zcat "$root/share/doc/odb2vrn/changelog.gz" | head -n 1)
+    [[ $top == "odb2vrn ($version) "* ]] || fail "the changelog's last entry is not for $version: $top"
     ;;
 *)
     fail "unknown mode $mode"
@@ -67,8 +85,10 @@ esac
 expected_tree="-rwxr-xr-x bin/Odb2vrn_64
 -rwxr-xr-x bin/qx7za.exe
 -rw-r--r-- share/doc/odb2vrn/README.md
+-rw-r--r-- share/doc/odb2vrn/changelog$gz
 -rw-r--r-- share/doc/odb2vrn/copyright
--rw-r--r-- $man_page"
+-rw-r--r-- share/man/man1/Odb2vrn_64.1$gz
+-rw-r--r-- share/man/man1/qx7za.exe.1$gz"
 actual_tree=$(listing "$root")
 [ "$actual_tree" = "$expected_tree" ] ||
     fail "installed files differ:"$'\n'"$(diff <(echo "$expected_tree") <(echo "$actual_tree"))"

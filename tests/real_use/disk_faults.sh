@@ -11,7 +11,7 @@ set -euo pipefail
 bin=$1 odbgen=$2
 skip() { echo "SKIP: $*"; exit 77; }
 fail() { echo "FAIL: $*"; exit 1; }
-command -v 7zz >/dev/null || skip "no 7-Zip console (7zz)"
+"$bin/qx7za.exe" >/dev/null 2>&1 || skip "no 7-Zip console for qx7za.exe to run"
 [ "$(id -u)" -eq 0 ] || skip "mounting a small tmpfs needs root"
 
 scratch=$(mktemp -d)

@@ -12,7 +12,7 @@
 set -euo pipefail
 bin=$1 odbgen=$2 randoms=${3:-10} components=${ODB2VRN_BOARD_COMPONENTS:-100000}
 fail() { echo "FAIL: $*"; exit 1; }
-command -v 7zz >/dev/null || { echo "SKIP: no 7-Zip console (7zz)"; exit 77; }
+"$bin/qx7za.exe" >/dev/null 2>&1 || { echo "SKIP: no 7-Zip console for qx7za.exe to run"; exit 77; }
 [ -d /proc/self/fd ] || { echo "SKIP: no /proc to see the run's stage"; exit 77; }
 # Job control: a background run of a script ignores SIGINT otherwise, and
 # the converter leaves an ignored signal ignored, as nohup expects.

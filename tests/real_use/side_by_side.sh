@@ -16,7 +16,7 @@ bin=$(cd "$1" && pwd) odbgen=$2 wine=${3-} helper=${4:+$(realpath "$4")}
 width=${ODB2VRN_RUNS_AT_ONCE:-$([ -n "$wine" ] && echo 16 || echo 24)}
 rounds=${ODB2VRN_ROUNDS:-$([ -n "$wine" ] && echo 3 || echo 5)}
 fail() { echo "FAIL: $*"; exit 1; }
-command -v 7zz >/dev/null || { echo "SKIP: no 7-Zip console (7zz)"; exit 77; }
+[ -n "$wine" ] || "$bin/qx7za.exe" >/dev/null 2>&1 || { echo "SKIP: no 7-Zip console for qx7za.exe to run"; exit 77; }
 
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT

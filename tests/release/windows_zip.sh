@@ -35,7 +35,7 @@ native() { local path=${1//\//\\}; echo "Z:$path"; }
 # --- What the zip holds ------------------------------------------------------
 install="$scratch/Program Files"
 mkdir -p "$install"
-7zz x -bso0 -bsp0 "$zip" -o"$install"
+"$source_dir/tools/qx7za/qx7za.exe" x -bso0 -bsp0 "$zip" -o"$install"
 folder="$install/$name"
 for file in Odb2vrn_64.exe qx7za.exe README.txt licenses/odb2vrn.txt licenses/7-zip/License.txt licenses/7-zip/source.txt; do
     [ -s "$folder/$file" ] || fail "the zip lacks $name/$file"
