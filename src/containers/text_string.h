@@ -97,6 +97,11 @@ private:
 
 static_assert(sizeof(TextString) == 16, "a TextString takes 16 bytes");
 
+// The fixed character areas that texts are scanned and built in (a line of a
+// job file, a word of it, the current directory, a banner line): 2047
+// characters and a terminator.
+constexpr int kTextArea = 2048;
+
 TextString operator+(const TextString& left, const TextString& right);
 TextString operator+(const TextString& left, const char* right);
 TextString operator+(const TextString& left, char right);

@@ -23,10 +23,10 @@ struct ComponentsRead {
     std::int32_t componentNumber = 0;
     Part* current = nullptr;
     char firstWord[kFirstWordArea] = {};
-    char propertyValue[kLineArea] = {};
-    char name[kLineArea] = {};
-    char partName[kLineArea] = {};
-    char pinText[kLineArea] = {};
+    char propertyValue[kTextArea] = {};
+    char name[kTextArea] = {};
+    char partName[kTextArea] = {};
+    char pinText[kTextArea] = {};
 
     explicit ComponentsRead(Design& target) : design(target) {}
 
@@ -42,7 +42,7 @@ bool ComponentsRead::cmp() {
     long packageNumber = 0;
     char mirror = 0;
     if (scanCmpRecord(line, &packageNumber, &mirror, name, partName) != 7) return false;
-    Part* part = new Part(nullptr);
+    Part* part = design.arena.make<Part>(design.arena, nullptr);
     current = part;
     part->assign(sideLetter);
     part->append(componentNumber);
@@ -75,7 +75,7 @@ void ComponentsRead::copyQuotedValue() {
     int length = 0;
     for (const char* p = from; *p != '\0' && *p != '\''; ++p) {
         if (*p == '\n' || (*p == '\r' && (p[1] == '\n' || p[1] == '\0'))) break;
-        if (length < kLineArea - 1) propertyValue[length++] = isWhiteSpace(*p) ? '_' : *p;
+        if (length < kTextArea - 1) propertyValue[length++] = isWhiteSpace(*p) ? '_' : *p;
     }
     propertyValue[length] = '\0';
 }
@@ -103,8 +103,8 @@ bool ComponentsRead::top() {
     long pinNumber = 0, netNumber = 0;
     char mirror = 0;
     if (scanTopRecord(line, &pinNumber, &mirror, &netNumber, pinText) != 8) return false;
-    current->pins.addItem(new PartPin("DUMMY", static_cast<std::int32_t>(pinNumber),
-                                      static_cast<std::int32_t>(netNumber), pinText));
+    current->pins.addItem(design.arena.make<PartPin>("DUMMY", static_cast<std::int32_t>(pinNumber),
+                                                     static_cast<std::int32_t>(netNumber), pinText));
     return true;
 }
 

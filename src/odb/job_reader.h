@@ -8,12 +8,12 @@
 
 #include "containers/item_list.h"
 #include "containers/text_string.h"
-
-class Design;
+#include "design/design.h"
 
 class JobReader {
 public:
     JobReader(TextString jobRoot, TextString jobName, Design& design);
+    ~JobReader() { steps.clearItems(); }
     JobReader(const JobReader&) = delete;
     JobReader& operator=(const JobReader&) = delete;
 
@@ -35,6 +35,6 @@ public:
     TextString jobRoot;
     Design& design;
     TextString stepName;
-    ItemList<TextString> steps;  // the texts live until the run ends
+    ItemList<TextString> steps;  // the names, made in the design's arena
     std::int32_t stepCount = 0;
 };

@@ -1,4 +1,4 @@
-// LinePieces: a job file's text as repeated fgets(area, kLineArea, file)
+// LinePieces: a job file's text as repeated fgets(area, kTextArea, file)
 // would give it: each piece runs through the next line feed, or is 2047
 // bytes long, or ends with the file. The file is read in large blocks and
 // each piece is handed out where it lies, terminated in place, instead of
@@ -14,10 +14,12 @@
 #include <cstdio>
 #include <memory>
 
+#include "containers/text_string.h"
+
 class LinePieces {
 public:
-    // The longest piece: a line area of 2048 bytes less the terminator.
-    static constexpr std::size_t kLongest = 2047;
+    // The longest piece: a line area less the terminator.
+    static constexpr std::size_t kLongest = kTextArea - 1;
 
     // Reads from file from now on (null: no more pieces); the file stays
     // the caller's.
