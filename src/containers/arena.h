@@ -21,10 +21,12 @@ public:
     // bytes of memory aligned to alignment (a power of two); throws
     // std::bad_alloc when the system has none left.
     void* allocate(std::size_t bytes, std::size_t alignment) {
-        char* start = aligned(next_, alignment);
-        if (start == nullptr || bytes > static_cast<std::size_t>(end_ - start)) return allocateInNewBlock(bytes, alignment);
-        next_ = start + bytes;
-        return start;
+        const std::uintptr_t start = (reinterpret_cast<std::uintptr_t>(next_) + alignment - 1) & ~(alignment - 1);
+        if (next_ == nullptr || start + bytes > reinterpret_cast<std::uintptr_t>(end_)) {
+            return allocateInNewBlock(bytes, alignment);
+        }
+        next_ = reinterpret_cast<char*>(start + bytes);
+        return next_ - bytes;
     }
 
     template <typename T, typename... Args>
@@ -34,10 +36,6 @@ public:
 
 private:
     struct Block;
-    static char* aligned(char* p, std::size_t alignment) {
-        const std::uintptr_t value = reinterpret_cast<std::uintptr_t>(p);
-        return reinterpret_cast<char*>((value + alignment - 1) & ~(std::uintptr_t{alignment} - 1));
-    }
     void* allocateInNewBlock(std::size_t bytes, std::size_t alignment);
 
     char* next_ = nullptr;

@@ -2,6 +2,8 @@
 // reads four files, in this order: the matrix (for the step), the step's
 // eda/data (nets and packages), and the components of the layers
 // "comp_+_top" and "comp_+_bot". Every read returns 0 or 1 and no reason.
+// Each file's reader is defined in a file of its own: matrix_reader.cpp,
+// eda_data_reader.cpp and components_reader.cpp.
 #pragma once
 
 #include <cstdint>

@@ -188,7 +188,7 @@ int scanFields(const char* text, Fields... fields) {
 }
 
 constexpr int kUnsure = FieldScan::kUnsure;
-constexpr std::int32_t kWord = 2047;
+constexpr std::int32_t kWord = kTextArea - 1;
 
 }  // namespace
 
