@@ -144,6 +144,8 @@ public:
     private:
         NodePointer node_;
     };
+    using iterator = Iterator<false>;
+    using const_iterator = Iterator<true>;
     Iterator<false> begin() { return Iterator<false>(head_); }
     Iterator<false> end() { return Iterator<false>(nullptr); }
     Iterator<true> begin() const { return Iterator<true>(head_); }
@@ -244,6 +246,7 @@ public:
 template <typename T>
 class SealedItemList {
 public:
+    using const_iterator = typename ItemList<T>::const_iterator;
     std::int32_t itemCount() const { return items_.itemCount(); }
     T* itemAt(std::int32_t index) { return items_.itemAt(index); }
     auto begin() { return items_.begin(); }

@@ -8,113 +8,114 @@
 #include "design/text_output.h"
 #include "platform/platform.h"
 
-const char* stripPinPrefix(std::size_t refdesLength, const char* pinText) {
+const char* stripPinPrefix(std::size_t refdesLength, std::string_view pinText) {
+    if (refdesLength >= pinText.size() || pinText[refdesLength] != '-') return nullptr;
     // The characters before that position are not compared, on purpose.
-    if (std::strlen(pinText) <= refdesLength || pinText[refdesLength] != '-') return nullptr;
-    return std::strchr(pinText, '-') + 1;
+    return static_cast<const char*>(std::memchr(pinText.data(), '-', pinText.size())) + 1;
 }
 
 namespace {
 
-const char kPinNotFound[] = "ERR: Component(\"%s\"), Pin (\"%d\") not found.\n";
+const char kPinNotFound[] = "ERR: Component(\"%.*s\"), Pin (\"%d\") not found.\n";
+
+// What a net's pins hand on to the pins after them: the package number of
+// the last component found, and the text of the last pin found in it. A
+// pin whose key matches nothing shows that text behind an empty refdes.
+struct CarriedValues {
+    bool hasPackage = false;
+    std::int32_t packageIndex = 0;
+    std::string_view pinText = "";
+};
+
+// The lines of one net's pins, in turn.
+class NetLines {
+public:
+    NetLines(TextOutput& out, const ComponentBlocks& blocks, std::int32_t longestNetName)
+        : out_(out), blocks_(blocks), width_(static_cast<std::int64_t>(longestNetName) + 5) {}
+
+    void startNet(const Net& net) {
+        nameLength_ = static_cast<std::int64_t>(std::strlen(net.text()));
+        out_.put('\t');
+        out_.put(net.text(), static_cast<std::size_t>(nameLength_));
+        carried_ = CarriedValues();
+    }
+
+    // The blanks behind the name and ';' of a net without pins.
+    void noPins() {
+        out_.blanks(width_ - nameLength_);
+        out_.put(";\n", 2);
+    }
+
+    // One pin's line, or its ERR lines, with the block of its component if
+    // its key has one. A failed pin writes no line, not even the fill of a
+    // first line or the ';' of a last one.
+    void pin(const NetPin& netPin, const ComponentBlock* component, bool first, bool last) {
+        const std::int32_t pinIndex = netPin.pinIndex;
+        bool found = true;
+        if (component != nullptr) {
+            carried_.hasPackage = true;
+            carried_.packageIndex = component->packageIndex();
+            found = pinIndex < component->pinCount();
+            if (!found) {
+                const std::string_view key = component->key();
+                const int keyLength = static_cast<int>(key.size());
+                out_.put("\t! ", 3);
+                out_.print(kPinNotFound, keyLength, key.data(), pinIndex);
+                std::printf(kPinNotFound, keyLength, key.data(), pinIndex);
+            }
+        }
+        // The package's pin is fetched for its range alone: nothing of it is
+        // written. Before the first component found nothing is carried, so
+        // there is no package to fetch.
+        if (carried_.hasPackage) {
+            const std::int32_t packagePins = blocks_.packagePinCount(carried_.packageIndex);
+            if (found && (pinIndex < 0 || pinIndex >= packagePins)) abnormalEnd();
+        }
+        if (!found) return;
+        if (component != nullptr) carried_.pinText = component->pinText(pinIndex);
+        std::string_view shown = carried_.pinText;
+        const std::size_t refdesLength = component != nullptr ? component->refdesLength() : 0;
+        if (const char* stripped = stripPinPrefix(refdesLength, shown)) shown.remove_prefix(stripped - shown.data());
+
+        if (first) {
+            out_.blanks(width_ - nameLength_);
+        } else {
+            out_.put('\t');
+            out_.blanks(width_);
+        }
+        // "%-16s  %s\n", with ";" before the line end on the last pin.
+        if (component != nullptr) out_.put(component->field().data(), component->field().size());
+        else out_.blanks(18);
+        out_.put(shown.data(), shown.size());
+        if (last) out_.put(";\n", 2);
+        else out_.put('\n');
+    }
+
+private:
+    TextOutput& out_;
+    const ComponentBlocks& blocks_;
+    const std::int64_t width_;
+    std::int64_t nameLength_ = 0;
+    CarriedValues carried_;
+};
 
 }  // namespace
 
-NetlistSection::NetlistSection(const Design& design) : design_(design) {
-    // Reserved, so that the index's pointers into it stay valid.
-    components_.reserve(static_cast<std::size_t>(design.components.itemCount()));
-    for (const Part* part : design.components) {
-        // A later component with the same key is never found.
-        const std::uint64_t hash = hashText(part->text());
-        if (find(part->text()) != nullptr) continue;
-        components_.push_back({part, pins_.size()});
-        byKey_.add(hash, &components_.back());
-        for (const PartPin* pin : part->pins) pins_.push_back(pin);
-    }
-    for (const Part* package : design.packages) packagePins_.push_back(package->pins.itemCount());
-}
-
-const NetlistSection::Component* NetlistSection::find(const char* key) const {
-    return byKey_.find(hashText(key),
-                       [key](const Component* component) { return std::strcmp(component->part->text(), key) == 0; });
-}
-
 bool NetlistSection::write(TextOutput& out) const {
     out.put("NETLIST\n");
+    NetLines lines(out, blocks_, design_.longestNetName);
     for (const Net* net : design_.nets) {
         // An interrupted run stops here, and its unfinished file goes.
         if (platform::interrupted()) return false;
-        writeNet(out, *net);
+        lines.startNet(*net);
+        const std::int32_t last = net->pins.itemCount() - 1;
+        if (last < 0) lines.noPins();
+        std::int32_t index = 0;
+        for (const NetPin* pin : net->pins) {
+            lines.pin(*pin, blocks_.find(pin->key.text()), index == 0, index == last);
+            ++index;
+        }
     }
     out.put("END_NETLIST\n");
     return true;
-}
-
-void NetlistSection::writeNet(TextOutput& out, const Net& net) const {
-    const std::int64_t width = static_cast<std::int64_t>(design_.longestNetName) + 5;
-    const std::int64_t nameLength = static_cast<std::int64_t>(std::strlen(net.text()));
-    out.put('\t');
-    out.put(net.text(), static_cast<std::size_t>(nameLength));
-    const std::int32_t count = net.pins.itemCount();
-    if (count == 0) {
-        out.blanks(width - nameLength);
-        out.put(";\n", 2);
-        return;
-    }
-    CarriedValues carried;
-    std::int32_t i = 0;
-    for (const NetPin* pin : net.pins) {
-        // One pin's line, or its ERR lines. A failed pin writes no line, not
-        // even the fill of a first line or the ';' of a last one.
-        const Component* component = find(pin->key.text());
-        const char* refdes = "";
-        if (component != nullptr) refdes = component->part->refdes.text();
-        if (resolvePin(out, *pin, component, carried)) {
-            const char* stripped = stripPinPrefix(std::strlen(refdes), carried.pinText);
-            if (i == 0) {
-                out.blanks(width - nameLength);
-            } else {
-                out.put('\t');
-                out.blanks(width);
-            }
-            // "%-16s  %s\n", with ";" before the line end on the last pin.
-            out.padded(refdes, 16);
-            out.put("  ", 2);
-            out.put(stripped != nullptr ? stripped : carried.pinText);
-            out.put(i == count - 1 ? ";\n" : "\n");
-        }
-        ++i;
-    }
-}
-
-// Carries the pin's values on; false, after the ERR lines, when its index is
-// beyond its component's pins.
-bool NetlistSection::resolvePin(TextOutput& out, const NetPin& pin, const Component* component,
-                                CarriedValues& carried) const {
-    const std::int32_t pinIndex = pin.pinIndex;
-    bool found = true;
-    if (component != nullptr) {
-        const Part& part = *component->part;
-        carried.hasPackage = true;
-        carried.packageIndex = part.packageIndex;
-        found = pinIndex < part.pins.itemCount();
-        if (!found) {
-            out.put("\t! ", 3);
-            out.print(kPinNotFound, part.text(), pinIndex);
-            std::printf(kPinNotFound, part.text(), pinIndex);
-        }
-    }
-    // The package's pin is fetched for its range alone: nothing of it is
-    // written. Before the first component found nothing is carried, so there
-    // is no package to fetch. An index the packages don't hold ends the run,
-    // as the unguarded fetch does.
-    if (carried.hasPackage) {
-        const std::int32_t package = carried.packageIndex;
-        if (package < 0 || static_cast<std::size_t>(package) >= packagePins_.size()) abnormalEnd();
-        if (found && (pinIndex < 0 || pinIndex >= packagePins_[static_cast<std::size_t>(package)])) abnormalEnd();
-    }
-    if (found && component != nullptr) {
-        carried.pinText = pins_[component->firstPin + static_cast<std::size_t>(pinIndex)]->pinText.text();
-    }
-    return found;
 }

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "design/component_key.h"
 #include "design/design.h"
 #include "report/messages.h"
 #include "odb/job_reader.h"
@@ -19,7 +20,7 @@ struct ComponentsRead {
     Design& design;
     ComponentScanner scanner;
     const char* line = nullptr;
-    TextString sideLetter;
+    BoardSide side = BoardSide::kTop;
     std::int32_t componentNumber = 0;
     Part* current = nullptr;
     char firstWord[kFirstWordArea] = {};
@@ -44,8 +45,7 @@ bool ComponentsRead::cmp() {
     if (scanCmpRecord(line, &packageNumber, &mirror, name, partName) != 7) return false;
     Part* part = design.arena.make<Part>(design.arena, nullptr);
     current = part;
-    part->assign(sideLetter);
-    part->append(componentNumber);
+    part->assign(componentKey(side, componentNumber));
     ++componentNumber;
     part->setTypeName(partName);
     part->setRefdes(name);
@@ -112,7 +112,7 @@ bool ComponentsRead::top() {
 
 std::int32_t JobReader::readComponents(TextString layerName) {
     ComponentsRead read(design);
-    read.sideLetter.assign(layerName.equals("comp_+_top") ? "T" : "B");
+    read.side = layerName.equals("comp_+_top") ? BoardSide::kTop : BoardSide::kBottom;
     if (!read.scanner.open(componentsPath(layerName.text()), &design)) return 1;
     const std::int32_t result = readRecords(read.scanner, read.firstWord, [&read](const char* line, std::int32_t code) {
         read.line = line;
@@ -124,6 +124,6 @@ std::int32_t JobReader::readComponents(TextString layerName) {
         }
     });
     if (result != 0) return 1;
-    std::printf("Number of component(s), %s - layer:%d\n", read.sideLetter.text(), read.componentNumber);
+    std::printf("Number of component(s), %s - layer:%d\n", sideLetter(read.side), read.componentNumber);
     return 0;
 }

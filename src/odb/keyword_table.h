@@ -24,6 +24,17 @@ public:
     // The code of the first entry equal to word (ignoring ASCII case when
     // caseSensitive is false); notFound when none is, or the table is empty.
     std::int32_t lookup(const char* word, bool caseSensitive, std::int32_t notFound) const;
+    // The same, exact, for a word whose hashText is at hand: every line of a
+    // job file is looked up so.
+    std::int32_t lookupExact(const char* word, std::uint64_t hash, std::int32_t notFound) const {
+        const Keyword* entry = exact_.find(hash, [word](const Keyword* candidate) {
+            const char* keyword = candidate->keyword.text();
+            std::size_t i = 0;
+            while (keyword[i] == word[i] && word[i] != '\0') ++i;
+            return keyword[i] == word[i];
+        });
+        return entry == nullptr ? notFound : entry->code;
+    }
     // Releases every entry with its keyword text.
     void clearRecords();
 

@@ -46,6 +46,9 @@ public:
     // unchanged).
     std::int32_t readLine(TextString& line);
     std::int32_t lookup(const char* word) const { return keywords.lookup(word, true, notFound_); }
+    std::int32_t lookup(const char* word, std::uint64_t hash) const {
+        return keywords.lookupExact(word, hash, notFound_);
+    }
     void close();
 
     std::FILE* file = nullptr;
@@ -86,16 +89,20 @@ private:
 };
 
 // The formatted scan "%15s" of a line into firstWord (kFirstWordArea
-// bytes): 1; or -1 for a line of blanks, which leaves the area alone.
-inline int scanFirstWord(const char* line, char* firstWord) {
+// bytes), with the word's hashText in hash: 1; or -1 for a line of blanks,
+// which leaves both alone. The word is hashed as it is copied.
+inline int scanFirstWord(const char* line, char* firstWord, std::uint64_t* hash) {
     const char* p = line;
     while (isWhiteSpace(*p)) ++p;
     if (*p == '\0') return -1;
+    std::uint64_t wordHash = kHashStart;
     int length = 0;
     for (; length < kFirstWordArea - 1 && p[length] != '\0' && !isWhiteSpace(p[length]); ++length) {
         firstWord[length] = p[length];
+        wordHash = hashByte(wordHash, static_cast<unsigned char>(p[length]));
     }
     firstWord[length] = '\0';
+    *hash = wordHash;
     return 1;
 }
 
@@ -107,9 +114,10 @@ inline int scanFirstWord(const char* line, char* firstWord) {
 // the file, else 1.
 template <typename Handler>
 std::int32_t readRecords(LineScanner& scanner, char* firstWord, Handler handle) {
+    std::uint64_t hash = hashText(firstWord);
     while (const char* line = scanner.nextLine()) {
-        scanFirstWord(line, firstWord);
-        if (!handle(line, scanner.lookup(firstWord))) return 1;
+        scanFirstWord(line, firstWord, &hash);
+        if (!handle(line, scanner.lookup(firstWord, hash))) return 1;
     }
     return 0;
 }
