@@ -21,12 +21,6 @@ auto named(const char* name) {
 
 PartPin* PartPinList::findPinByName(const char* text) {
     const char* wanted = text == nullptr ? "" : text;
-    if (itemCount() < kIndexFrom) {
-        for (PartPin* pin : items_) {
-            if (named(wanted)(pin)) return pin;
-        }
-        return nullptr;
-    }
     // The pins added since the last search join the index, by index, one
     // step each; the first pin of a name keeps it.
     for (; indexed_ < itemCount(); ++indexed_) {

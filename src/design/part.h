@@ -34,8 +34,8 @@ public:
 };
 
 // The pins of a Part, in record order; owns them. Lookups by name go through
-// an index once the list is long, so the list is only added to, and names
-// don't change after a pin is added.
+// an index, so the list is only added to, and names don't change after a pin
+// is added.
 class PartPinList : public SealedItemList<PartPin> {
 public:
     explicit PartPinList(Arena& arena) : SealedItemList(arena) {}
@@ -48,9 +48,8 @@ public:
     PartPin* findPinByName(TextString text) { return findPinByName(text.text()); }
 
 private:
-    static constexpr std::int32_t kIndexFrom = 16;
-    // Filled on the first search of a long list: only packages are searched,
-    // and a component's many "DUMMY" pins need no index.
+    // Filled by the searches: only packages are searched, and a
+    // component's many "DUMMY" pins need no index.
     FlatIndex<PartPin> byName_;
     std::int32_t indexed_ = 0;  // the pins from index 0 that byName_ has seen
 };

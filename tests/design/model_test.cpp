@@ -56,8 +56,8 @@ TEST(NetPinListTest, DuplicatesAreRefusedBelowAndBeyondTheIndexThreshold) {
     }
 }
 
-// A lookup gives the first pin of that name, in a short list and in lists
-// long enough to be looked up through the index.
+// A lookup gives the first pin of that name, also after pins were added
+// behind the ones a search has seen.
 TEST(PartPinListTest, FindPinByNameGivesTheFirstNamesake) {
     const std::vector<const char*> names = {"1", "A", "2", "A", "", "a", "B"};
     const struct { const char* name; int found; } queries[] = {  // found: position, -1 for none
