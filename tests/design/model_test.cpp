@@ -69,6 +69,7 @@ TEST(PartPinListTest, FindPinByNameGivesTheFirstNamesake) {
         Part package(arena, "PKG");
         std::vector<PartPin*> pins;
         for (const char* name : names) pins.push_back(package.pins.addItem(arena.make<PartPin>(TextString(name), 0, 0)));
+        EXPECT_EQ(package.pins.findPinByName("P0"), nullptr);  // the pins so far are indexed
         for (int f = 0; f < fillers; ++f) {
             package.pins.addItem(arena.make<PartPin>(TextString(("P" + std::to_string(f)).c_str()), 0, 0));
             package.pins.addItem(arena.make<PartPin>(TextString("A"), 0, 0));
