@@ -2,8 +2,8 @@
 // would give it: each piece runs through the next line feed, or is 2047
 // bytes long, or ends with the file. The file is read in large blocks and
 // each piece is handed out where it lies, terminated in place, instead of
-// being copied line by line through stdio: 526 against 613 million
-// instructions for bench_stages on a 25k-component board.
+// being copied line by line through stdio: 2.08 against 2.41 billion
+// instructions for bench_stages at 100k components.
 #pragma once
 
 #include <cstddef>

@@ -90,7 +90,9 @@ private:
 
 // The formatted scan "%15s" of a line into firstWord (kFirstWordArea
 // bytes), with the word's hashText in hash: 1; or -1 for a line of blanks,
-// which leaves both alone. The word is hashed as it is copied.
+// which leaves both alone. Every line is scanned so: with sscanf,
+// bench_stages at 100k components takes 3.62 billion instructions, not
+// 2.08. The word is hashed as it is copied.
 inline int scanFirstWord(const char* line, char* firstWord, std::uint64_t* hash) {
     const char* p = line;
     while (isWhiteSpace(*p)) ++p;
