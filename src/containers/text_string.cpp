@@ -1,6 +1,6 @@
 #include "containers/text_string.h"
 
-#include <cstdio>
+#include <charconv>
 #include <cstdlib>
 #include <cstring>
 
@@ -13,7 +13,7 @@ std::int32_t textLength(const char* text) {
 }
 
 // "%d" of number into scratch (16 bytes).
-void writeDecimal(std::int32_t number, char* scratch) { std::snprintf(scratch, 16, "%d", static_cast<int>(number)); }
+void writeDecimal(std::int32_t number, char* scratch) { *std::to_chars(scratch, scratch + 15, number).ptr = '\0'; }
 
 std::int32_t absolute(std::int32_t value) {
     // -2^31 has no positive twin; its magnitude saturates.
