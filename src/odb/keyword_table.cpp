@@ -5,9 +5,9 @@ void KeywordTable::add(const char* keyword, std::int32_t code) {
     entry.keyword.assign(keyword);
     entry.code = code;
     const Keyword* added = &entries_.addTail(entry);
-    const std::uint64_t hash = hashText(added->keyword.text());
     // The first entry of a word is the one found.
-    if (lookupExact(added->keyword.text(), hash, 0) == 0) exact_.add(hash, added);
+    const std::uint64_t hash = hashText(added->keyword.text());
+    if (exact_.find(hash, SpeltAs{added->keyword.text()}) == nullptr) exact_.add(hash, added);
 }
 
 void KeywordTable::clearRecords() {
@@ -15,8 +15,7 @@ void KeywordTable::clearRecords() {
     entries_.clearRecords();
 }
 
-std::int32_t KeywordTable::lookup(const char* word, bool caseSensitive, std::int32_t notFound) const {
-    if (caseSensitive) return lookupExact(word, hashText(word), notFound);
+std::int32_t KeywordTable::lookupIgnoringCase(const char* word, std::int32_t notFound) const {
     for (const Keyword& entry : entries_) {
         if (entry.keyword.compare(word, false) == 0) return entry.code;
     }

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 
 #include "containers/flat_index.h"
 #include "containers/item_list.h"
@@ -15,6 +16,12 @@ struct Keyword {
     std::int32_t code = 0;
 };
 
+// Whether an entry's keyword is spelt as word, exactly.
+struct SpeltAs {
+    const char* word;
+    bool operator()(const Keyword* entry) const { return std::strcmp(entry->keyword.text(), word) == 0; }
+};
+
 // The entries are a list of records, searched from the first; a table is
 // only added to at the tail and emptied whole, which keeps its index exact.
 class KeywordTable {
@@ -23,25 +30,21 @@ public:
     void add(const char* keyword, std::int32_t code);
     // The code of the first entry equal to word (ignoring ASCII case when
     // caseSensitive is false); notFound when none is, or the table is empty.
-    std::int32_t lookup(const char* word, bool caseSensitive, std::int32_t notFound) const;
-    // The same, exact, for a word whose hashText is at hand: every line of a
-    // job file is looked up so.
-    std::int32_t lookupExact(const char* word, std::uint64_t hash, std::int32_t notFound) const {
-        const Keyword* entry = exact_.find(hash, [word](const Keyword* candidate) {
-            const char* keyword = candidate->keyword.text();
-            std::size_t i = 0;
-            while (keyword[i] == word[i] && word[i] != '\0') ++i;
-            return keyword[i] == word[i];
-        });
+    // Every line of a job file is looked up exactly.
+    std::int32_t lookup(const char* word, bool caseSensitive, std::int32_t notFound) const {
+        if (!caseSensitive) return lookupIgnoringCase(word, notFound);
+        const Keyword* entry = exact_.find(hashText(word), SpeltAs{word});
         return entry == nullptr ? notFound : entry->code;
     }
     // Releases every entry with its keyword text.
     void clearRecords();
 
 private:
+    std::int32_t lookupIgnoringCase(const char* word, std::int32_t notFound) const;
+
     Arena arena_;
     RecordList<Keyword> entries_{arena_};
-    // Every line of a job file is looked up exactly: the first entry of
-    // each word, by its hash.
+    // The first entry of each word, by its hash: every line of a job file
+    // is looked up exactly.
     FlatIndex<const Keyword> exact_;
 };

@@ -46,9 +46,6 @@ public:
     // unchanged).
     std::int32_t readLine(TextString& line);
     std::int32_t lookup(const char* word) const { return keywords.lookup(word, true, notFound_); }
-    std::int32_t lookup(const char* word, std::uint64_t hash) const {
-        return keywords.lookupExact(word, hash, notFound_);
-    }
     void close();
 
     std::FILE* file = nullptr;
@@ -89,22 +86,18 @@ private:
 };
 
 // The formatted scan "%15s" of a line into firstWord (kFirstWordArea
-// bytes), with the word's hashText in hash: 1; or -1 for a line of blanks,
-// which leaves both alone. Every line is scanned so: with sscanf,
-// bench_stages at 100k components takes 3.62 billion instructions, not
-// 2.08. The word is hashed as it is copied.
-inline int scanFirstWord(const char* line, char* firstWord, std::uint64_t* hash) {
+// bytes): 1; or -1 for a line of blanks, which leaves the area alone. Every
+// line is scanned so: with sscanf, bench_stages at 100k components takes
+// 3.62 billion instructions, not 2.08.
+inline int scanFirstWord(const char* line, char* firstWord) {
     const char* p = line;
     while (isWhiteSpace(*p)) ++p;
     if (*p == '\0') return -1;
-    std::uint64_t wordHash = kHashStart;
     int length = 0;
     for (; length < kFirstWordArea - 1 && p[length] != '\0' && !isWhiteSpace(p[length]); ++length) {
         firstWord[length] = p[length];
-        wordHash = hashByte(wordHash, static_cast<unsigned char>(p[length]));
     }
     firstWord[length] = '\0';
-    *hash = wordHash;
     return 1;
 }
 
@@ -116,10 +109,9 @@ inline int scanFirstWord(const char* line, char* firstWord, std::uint64_t* hash)
 // the file, else 1.
 template <typename Handler>
 std::int32_t readRecords(LineScanner& scanner, char* firstWord, Handler handle) {
-    std::uint64_t hash = hashText(firstWord);
     while (const char* line = scanner.nextLine()) {
-        scanFirstWord(line, firstWord, &hash);
-        if (!handle(line, scanner.lookup(firstWord, hash))) return 1;
+        scanFirstWord(line, firstWord);
+        if (!handle(line, scanner.lookup(firstWord))) return 1;
     }
     return 0;
 }
