@@ -20,7 +20,7 @@ class FlatIndex {
 public:
     // The item added under hash for which matches(item) holds, or null.
     template <typename Matches>
-    Item* find(std::size_t hash, Matches matches) const {
+    Item* find(std::uint64_t hash, Matches matches) const {
         if (!table_) return nullptr;
         const std::size_t mask = table_->slots.size() - 1;
         for (std::size_t at = spread(hash) & mask;; at = (at + 1) & mask) {
@@ -31,7 +31,7 @@ public:
     }
 
     // Adds item under hash; no item that matches it may be there.
-    void add(std::size_t hash, Item* item) {
+    void add(std::uint64_t hash, Item* item) {
         if (!table_) table_.reset(new Table);
         if ((table_->used + 1) * 2 > table_->slots.size()) grow();
         place(Slot{hash, item});
@@ -42,7 +42,7 @@ public:
 
 private:
     struct Slot {
-        std::size_t hash;
+        std::uint64_t hash;
         Item* item;
     };
     // Apart from the index, so that the many lists that never grow long
@@ -54,7 +54,7 @@ private:
 
     // The hashes come from byte sums; their low bits pick the slot, so they
     // are mixed first (the finishing steps of MurmurHash3).
-    static std::size_t spread(std::size_t hash) {
+    static std::size_t spread(std::uint64_t hash) {
         std::uint64_t mixed = hash;
         mixed ^= mixed >> 33;
         mixed *= 0xff51afd7ed558ccdULL;
@@ -82,8 +82,15 @@ private:
     std::unique_ptr<Table> table_;
 };
 
-// FNV-1a over a zero-terminated text, for the hashes given to a FlatIndex.
-inline std::uint64_t hashText(const char* text, std::uint64_t hash = 14695981039346656037ULL) {
-    for (const char* p = text; *p != '\0'; ++p) hash = (hash ^ static_cast<unsigned char>(*p)) * 1099511628211ULL;
+// The one hash of every lookup, FNV-1a: over a zero-terminated text, and on
+// over more bytes (a pin index behind a key).
+constexpr std::uint64_t kHashStart = 14695981039346656037ULL;
+inline std::uint64_t hashByte(std::uint64_t hash, unsigned char byte) { return (hash ^ byte) * 1099511628211ULL; }
+inline std::uint64_t hashText(const char* text, std::uint64_t hash = kHashStart) {
+    for (const char* p = text; *p != '\0'; ++p) hash = hashByte(hash, static_cast<unsigned char>(*p));
+    return hash;
+}
+inline std::uint64_t hashBytes(const void* bytes, std::size_t size, std::uint64_t hash) {
+    for (std::size_t i = 0; i < size; ++i) hash = hashByte(hash, static_cast<const unsigned char*>(bytes)[i]);
     return hash;
 }

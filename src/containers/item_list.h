@@ -5,17 +5,23 @@
 // next index and going back to index 0 cost no walk.
 //
 // Two node kinds exist: ItemNode holds a pointer to an item that is never
-// null (adds refuse null); RecordNode holds a record by value. Whether the
-// items are owned is decided by the holder: an owning holder calls
-// clearItems in its destructor; a plain ItemList only frees its nodes.
-// A range loop goes over the items in list order and leaves the remembered
-// position alone.
+// null (adds refuse null); RecordNode holds a record by value. The nodes
+// live in the arena the list is given. Whether the items are owned is
+// decided by the holder: an owning holder calls clearItems in its
+// destructor, which destroys items made in an arena; a plain ItemList only
+// lets go of its nodes. A range loop goes over the items in list order and
+// leaves the remembered position alone; over a const list it hands out
+// const items.
 #pragma once
 
 #include <cstdint>
+#include <memory>
+#include <type_traits>
 
 #include "containers/abnormal_end.h"
-#include "containers/block_pool.h"
+#include "containers/arena.h"
+
+namespace itemlist {
 
 // Where nodeAt starts its walk to an index, and how many steps it takes.
 enum class WalkStart { Position, Head, Tail };
@@ -42,6 +48,8 @@ constexpr Walk walkTo(std::int32_t count, std::int32_t positionIndex, std::int32
     return {WalkStart::Tail, fromTail, false};
 }
 
+}  // namespace itemlist
+
 template <typename Node>
 class LinkedIndex;
 
@@ -54,9 +62,8 @@ class ItemNode {
 
 public:
     T* item = nullptr;
-    T* value() const { return item; }
-
-    ODB2VRN_POOLED(ItemNode)
+    T* value() { return item; }
+    const T* value() const { return item; }
 };
 
 template <typename R>
@@ -69,14 +76,13 @@ class RecordNode {
 public:
     R record;
     R& value() { return record; }
-
-    ODB2VRN_POOLED(RecordNode)
+    const R& value() const { return record; }
 };
 
 template <typename Node>
 class LinkedIndex {
 public:
-    LinkedIndex() = default;
+    explicit LinkedIndex(Arena& arena) : arena_(arena) {}
     LinkedIndex(const LinkedIndex&) = delete;
     LinkedIndex& operator=(const LinkedIndex&) = delete;
 
@@ -90,9 +96,9 @@ public:
             position_ = head_;
             positionIndex_ = 0;
         }
-        const Walk walk = walkTo(count_, positionIndex_, i);
-        if (walk.start == WalkStart::Head) position_ = head_;
-        if (walk.start == WalkStart::Tail) position_ = tail_;
+        const itemlist::Walk walk = itemlist::walkTo(count_, positionIndex_, i);
+        if (walk.start == itemlist::WalkStart::Head) position_ = head_;
+        if (walk.start == itemlist::WalkStart::Tail) position_ = tail_;
         for (std::int32_t s = 0; s < walk.steps; ++s) position_ = walk.forward ? position_->next : position_->prev;
         positionIndex_ = i;
         return position_;
@@ -116,20 +122,17 @@ public:
         else head_ = node->next;
         if (node->next != nullptr) node->next->prev = node->prev;
         else tail_ = node->prev;
-        delete node;
+        std::destroy_at(node);
         --count_;
         return true;
     }
 
-    // Frees every node and resets the list; items are left alone.
-    void clearNodes() {
-        freeNodes([](Node*) {});
-    }
-
     // The items (or records) in list order.
+    template <bool kConst>
     class Iterator {
     public:
-        explicit Iterator(Node* node) : node_(node) {}
+        using NodePointer = std::conditional_t<kConst, const Node*, Node*>;
+        explicit Iterator(NodePointer node) : node_(node) {}
         decltype(auto) operator*() const { return node_->value(); }
         Iterator& operator++() {
             node_ = node_->next;
@@ -139,15 +142,21 @@ public:
         bool operator!=(const Iterator& other) const { return node_ != other.node_; }
 
     private:
-        Node* node_;
+        NodePointer node_;
     };
-    Iterator begin() const { return Iterator(head_); }
-    Iterator end() const { return Iterator(nullptr); }
+    using iterator = Iterator<false>;
+    using const_iterator = Iterator<true>;
+    Iterator<false> begin() { return Iterator<false>(head_); }
+    Iterator<false> end() { return Iterator<false>(nullptr); }
+    Iterator<true> begin() const { return Iterator<true>(head_); }
+    Iterator<true> end() const { return Iterator<true>(nullptr); }
 
 protected:
-    ~LinkedIndex() { clearNodes(); }
+    ~LinkedIndex() { freeNodes([](Node*) {}); }
 
-    void linkTail(Node* node) {
+    // A node in the list's arena, linked at the tail or at the head.
+    Node* linkTail() {
+        Node* node = arena_.make<Node>();
         if (count_ == 0) {
             head_ = tail_ = node;
         } else {
@@ -156,9 +165,10 @@ protected:
             tail_ = node;
         }
         ++count_;
+        return node;
     }
-
-    void linkHead(Node* node) {
+    Node* linkHead() {
+        Node* node = arena_.make<Node>();
         if (count_ == 0) {
             head_ = tail_ = node;
         } else {
@@ -168,17 +178,18 @@ protected:
         }
         ++count_;
         ++positionIndex_;  // every index has moved up, remembered or not
+        return node;
     }
 
-    // Frees the nodes head first, each after release(node), and resets the
-    // list.
+    // Destroys the nodes head first, each after release(node), and resets
+    // the list; their memory stays with the arena.
     template <typename Release>
     void freeNodes(Release release) {
         while (head_ != nullptr) {
             Node* node = head_;
             head_ = head_->next;
             release(node);
-            delete node;
+            std::destroy_at(node);
         }
         tail_ = position_ = nullptr;
         positionIndex_ = 0;
@@ -186,6 +197,7 @@ protected:
     }
 
 private:
+    Arena& arena_;
     Node* head_ = nullptr;
     Node* tail_ = nullptr;
     Node* position_ = nullptr;
@@ -198,6 +210,7 @@ template <typename T>
 class ItemList : public LinkedIndex<ItemNode<T>> {
 public:
     using Node = ItemNode<T>;
+    using LinkedIndex<Node>::LinkedIndex;
 
     // The item at index i.
     // REQUIRES: 0 <= i < itemCount(); otherwise abnormalEnd().
@@ -210,35 +223,40 @@ public:
     // Links item at the tail; a null is refused and gives null.
     T* addItem(T* item) {
         if (item == nullptr) return nullptr;
-        Node* node = new Node;
-        node->item = item;
-        this->linkTail(node);
+        this->linkTail()->item = item;
         return item;
     }
 
-    // Deletes every item with its own destructor, then frees the nodes, in
-    // one walk in list order: what fetching the items one index after the
-    // other and then freeing the nodes leaves, and a large board's model is
-    // released at the end of every run.
+    // Lets go of every node; items are left alone.
+    void clearNodes() {
+        this->freeNodes([](Node*) {});
+    }
+
+    // Destroys every item, which was made in an arena, then lets go of the
+    // nodes, in one walk in list order: what fetching the items one index
+    // after the other and then clearing the nodes leaves.
     void clearItems() {
-        this->freeNodes([](Node* node) { delete node->item; });
+        this->freeNodes([](Node* node) { std::destroy_at(node->item); });
     }
 };
 
-// The reading operations of an ItemList, for the list kinds that keep a
-// side index of their items: they add and clear only through operations of
-// their own, which keep the index exact.
+// The reading operations of an ItemList, for the list kinds that add and
+// clear only through operations of their own (which keep a side index
+// exact, or give each item its owner).
 template <typename T>
-class IndexedItemList {
+class SealedItemList {
 public:
+    using const_iterator = typename ItemList<T>::const_iterator;
     std::int32_t itemCount() const { return items_.itemCount(); }
     T* itemAt(std::int32_t index) { return items_.itemAt(index); }
-    typename ItemList<T>::Iterator begin() const { return items_.begin(); }
-    typename ItemList<T>::Iterator end() const { return items_.end(); }
+    auto begin() { return items_.begin(); }
+    auto end() { return items_.end(); }
+    auto begin() const { return items_.begin(); }
+    auto end() const { return items_.end(); }
 
 protected:
-    IndexedItemList() = default;
-    ~IndexedItemList() = default;
+    explicit SealedItemList(Arena& arena) : items_(arena) {}
+    ~SealedItemList() = default;
     ItemList<T> items_;
 };
 
@@ -247,19 +265,13 @@ template <typename R>
 class RecordList : public LinkedIndex<RecordNode<R>> {
 public:
     using Node = RecordNode<R>;
+    using LinkedIndex<Node>::LinkedIndex;
 
-    void addTail(const R& record) {
-        Node* node = new Node;
-        node->record = record;
-        this->linkTail(node);
+    R& addTail(const R& record) { return this->linkTail()->record = record; }
+    void addHead(const R& record) { this->linkHead()->record = record; }
+
+    // Destroys every node with its record.
+    void clearRecords() {
+        this->freeNodes([](Node*) {});
     }
-
-    void addHead(const R& record) {
-        Node* node = new Node;
-        node->record = record;
-        this->linkHead(node);
-    }
-
-    // Frees every node with its record.
-    void clearRecords() { this->clearNodes(); }
 };

@@ -1,5 +1,6 @@
 #include "containers/text_string.h"
 
+#include <charconv>
 #include <cstdlib>
 #include <cstring>
 
@@ -11,22 +12,8 @@ std::int32_t textLength(const char* text) {
     return text == nullptr ? 0 : static_cast<std::int32_t>(std::strlen(text));
 }
 
-// "%d" of number into scratch (at least 12 bytes), without a formatted
-// print: every component key gets its number so.
-void writeDecimal(std::int32_t number, char* scratch) {
-    char digits[12];
-    int count = 0;
-    // Through the unsigned magnitude, so that -2^31 has one too.
-    std::uint32_t magnitude =
-        number < 0 ? 0U - static_cast<std::uint32_t>(number) : static_cast<std::uint32_t>(number);
-    do {
-        digits[count++] = static_cast<char>('0' + magnitude % 10);
-        magnitude /= 10;
-    } while (magnitude != 0);
-    if (number < 0) *scratch++ = '-';
-    while (count > 0) *scratch++ = digits[--count];
-    *scratch = '\0';
-}
+// "%d" of number into scratch (16 bytes).
+void writeDecimal(std::int32_t number, char* scratch) { *std::to_chars(scratch, scratch + 15, number).ptr = '\0'; }
 
 std::int32_t absolute(std::int32_t value) {
     // -2^31 has no positive twin; its magnitude saturates.
@@ -46,20 +33,6 @@ TextString::TextString(char character) { assign(character); }
 TextString::TextString(const TextString& other, std::int32_t size) : TextString(other.buffer(), size) {}
 
 TextString::TextString(const char* text, std::int32_t size) {
-    // A board makes millions of short texts: one that fits the local area
-    // with its 4 spare bytes is copied while it is measured.
-    if (size == 0 && text != nullptr) {
-        std::int32_t n = 0;
-        while (n <= kLocalSize - 5 && text[n] != '\0') {
-            local_[n] = text[n];
-            ++n;
-        }
-        if (text[n] == '\0') {
-            local_[n] = '\0';
-            capacity = n == 0 ? 1 : n + 4;
-            return;
-        }
-    }
     // resizeBuffer(size) and store(text) in one step: the size is a minimum
     // that a longer text overrides with its length + 4.
     const std::int32_t n = textLength(text);

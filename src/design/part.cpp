@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "design/design.h"
+#include "design/text_output.h"
 
 PartPin::PartPin(TextString name, std::int32_t pinNumber, std::int32_t netNumber)
     : NamedItem(name), pinNumber(pinNumber), netNumber(netNumber) {}
@@ -20,23 +21,17 @@ auto named(const char* name) {
 
 PartPin* PartPinList::findPinByName(const char* text) {
     const char* wanted = text == nullptr ? "" : text;
-    if (itemCount() < kIndexFrom) {
-        for (PartPin* pin : items_) {
-            if (named(wanted)(pin)) return pin;
-        }
-        return nullptr;
-    }
     // The pins added since the last search join the index, by index, one
     // step each; the first pin of a name keeps it.
     for (; indexed_ < itemCount(); ++indexed_) {
         PartPin* pin = items_.itemAt(indexed_);
-        const std::size_t hash = static_cast<std::size_t>(hashText(pin->text()));
+        const std::uint64_t hash = hashText(pin->text());
         if (byName_.find(hash, named(pin->text())) == nullptr) byName_.add(hash, pin);
     }
-    return byName_.find(static_cast<std::size_t>(hashText(wanted)), named(wanted));
+    return byName_.find(hashText(wanted), named(wanted));
 }
 
-Part::Part(const char* typeName) : NamedItem(""), typeName(typeName) {}
+Part::Part(Arena& arena, const char* typeName) : NamedItem(""), typeName(typeName), pins(arena) {}
 
 Part::~Part() = default;
 
@@ -81,11 +76,11 @@ Part* PartList::findByRefdes(const char* text) {
 // refdes is found through it.
 void PartList::indexRefdes(Part* part) {
     const char* refdes = part->refdes.text();
-    if (findIndexed(refdes) == nullptr) byRefdes_.add(static_cast<std::size_t>(hashText(refdes)), part);
+    if (findIndexed(refdes) == nullptr) byRefdes_.add(hashText(refdes), part);
 }
 
 Part* PartList::findIndexed(const char* text) const {
-    return byRefdes_.find(static_cast<std::size_t>(hashText(text)),
+    return byRefdes_.find(hashText(text),
                           [text](const Part* part) { return std::strcmp(part->refdes.text(), text) == 0; });
 }
 
@@ -99,4 +94,24 @@ void PartList::clearItems() {
     byRefdes_.clear();
     indexValid_ = true;
     items_.clearItems();
+}
+
+void Part::writePartLine(TextOutput& out) const {
+    if (state != 1) return;
+    const char* substitute = nullptr;
+    if (typeName.equals("???")) {
+        if (!manufacturerPartNo.isEmpty()) substitute = manufacturerPartNo.text();
+        else if (!value.isEmpty()) substitute = value.text();
+        else if (!partName.isEmpty()) substitute = partName.text();
+    }
+    // "\t%-12s\t%s\n", or "\t%-12s\t%s\t!  %s\n" with a substitute.
+    out.put('\t');
+    out.padded(refdes.text(), 12);
+    out.put('\t');
+    if (substitute != nullptr) {
+        out.put(substitute);
+        out.put("\t!  ", 4);
+    }
+    out.put(typeName.text());
+    out.put('\n');
 }

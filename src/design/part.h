@@ -1,11 +1,11 @@
 // Part: one component or one package of the board, and PartPin, one of its
 // pins. A component's key is its side letter and its number in its
 // components file ("T0", "B12"); a package's key is its number in eda/data.
-// A Part owns its pins; the Design's lists own the Parts.
+// A Part owns its pins; the Design's lists own the Parts. All of them are
+// made in the Design's arena.
 #pragma once
 
 #include <cstdint>
-#include <cstdio>
 
 #include "containers/flat_index.h"
 #include "containers/item_list.h"
@@ -31,15 +31,14 @@ public:
     // would cost a large board 32 bytes on each of half a million pins.
     static inline const TextString spare1;
     static inline const TextString spare2;
-
-    ODB2VRN_POOLED(PartPin)
 };
 
 // The pins of a Part, in record order; owns them. Lookups by name go through
-// an index once the list is long, so the list is only added to, and names
-// don't change after a pin is added.
-class PartPinList : public IndexedItemList<PartPin> {
+// an index, so the list is only added to, and names don't change after a pin
+// is added.
+class PartPinList : public SealedItemList<PartPin> {
 public:
+    explicit PartPinList(Arena& arena) : SealedItemList(arena) {}
     ~PartPinList() { items_.clearItems(); }
 
     // Links pin at the tail; a null is refused and gives null.
@@ -49,16 +48,15 @@ public:
     PartPin* findPinByName(TextString text) { return findPinByName(text.text()); }
 
 private:
-    static constexpr std::int32_t kIndexFrom = 16;
-    // Filled on the first search of a long list: only packages are searched,
-    // and a component's many "DUMMY" pins need no index.
+    // Filled by the searches: only packages are searched, and a
+    // component's many "DUMMY" pins need no index.
     FlatIndex<PartPin> byName_;
     std::int32_t indexed_ = 0;  // the pins from index 0 that byName_ has seen
 };
 
 class Part : public NamedItem {
 public:
-    explicit Part(const char* typeName);
+    Part(Arena& arena, const char* typeName);
     ~Part();
     Part(const Part&) = delete;
     Part& operator=(const Part&) = delete;
@@ -72,10 +70,9 @@ public:
     void setPartName(const char* text) { partName.assign(text); }
     void setManufacturerPartNo(const char* text) { manufacturerPartNo.assign(text); }
     void setPackageIndex(std::int32_t index) { packageIndex = index; }
-    void setOwner(Design* design) { owner = design; }
 
     // One line of the PART_LIST section, or nothing.
-    void writePartLine(TextOutput& out);
+    void writePartLine(TextOutput& out) const;
 
     std::int32_t state = 1;
     Design* owner = nullptr;
@@ -87,8 +84,6 @@ public:
     TextString manufacturerPartNo;
     PartPinList pins;
 
-    ODB2VRN_POOLED(Part)
-
 private:
     friend class PartList;
     PartList* list_ = nullptr;  // the list whose refdes index knows this part
@@ -96,8 +91,9 @@ private:
 
 // Components or packages, in reading order; owns its Parts. findByRefdes
 // goes through an index, kept exact through the adds and Part::setRefdes.
-class PartList : public IndexedItemList<Part> {
+class PartList : public SealedItemList<Part> {
 public:
+    explicit PartList(Arena& arena) : SealedItemList(arena) {}
     ~PartList() { clearItems(); }
 
     // Links part at the tail and gives it the list's owner; null refused.
@@ -105,7 +101,7 @@ public:
     // The first Part, in list order, whose refdes equals text; or null.
     Part* findByRefdes(const char* text);
     Part* findByRefdes(const TextString& text) { return findByRefdes(text.text()); }
-    // Deletes every Part, then frees the nodes.
+    // Destroys every Part, then lets go of the nodes.
     void clearItems();
 
     Design* owner = nullptr;

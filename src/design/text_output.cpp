@@ -4,21 +4,18 @@
 #include <vector>
 
 void TextOutput::print(const char* format, ...) {
-    char small[256];
     std::va_list arguments;
     va_start(arguments, format);
-    const int length = std::vsnprintf(small, sizeof small, format, arguments);
-    va_end(arguments);
-    if (length < 0) return;
-    if (static_cast<std::size_t>(length) < sizeof small) {
-        put(small, static_cast<std::size_t>(length));
-        return;
+    std::va_list again;
+    va_copy(again, arguments);
+    const int length = std::vsnprintf(nullptr, 0, format, arguments);
+    if (length > 0) {
+        std::vector<char> text(static_cast<std::size_t>(length) + 1);
+        std::vsnprintf(text.data(), text.size(), format, again);
+        put(text.data(), static_cast<std::size_t>(length));
     }
-    std::vector<char> large(static_cast<std::size_t>(length) + 1);
-    va_start(arguments, format);
-    std::vsnprintf(large.data(), large.size(), format, arguments);
+    va_end(again);
     va_end(arguments);
-    put(large.data(), static_cast<std::size_t>(length));
 }
 
 void TextOutput::flush() {

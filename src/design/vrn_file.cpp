@@ -1,14 +1,11 @@
 #include "design/vrn_file.h"
 
-VrnFile* VrnFile::unfinished_ = nullptr;
-
 bool VrnFile::open(const char* path) {
     abandon();
     stream_ = std::fopen(path, "w");
     if (stream_ == nullptr) return false;
     path_ = path;
     failed_ = false;
-    unfinished_ = this;
     return true;
 }
 
@@ -19,13 +16,8 @@ bool VrnFile::finish() {
     const bool written = !failed_ && std::fflush(stream_) == 0 && std::ferror(stream_) == 0;
     const bool closed = std::fclose(stream_) == 0;
     stream_ = nullptr;
-    if (written && closed) {
-        forget();
-        return true;
-    }
-    std::remove(path_.c_str());
-    forget();
-    return false;
+    if (!(written && closed)) std::remove(path_.c_str());
+    return written && closed;
 }
 
 void VrnFile::abandon() {
@@ -33,19 +25,4 @@ void VrnFile::abandon() {
     std::fclose(stream_);
     stream_ = nullptr;
     std::remove(path_.c_str());
-    forget();
-}
-
-void VrnFile::keepUnfinished() {
-    stream_ = nullptr;
-    forget();
-}
-
-void VrnFile::abandonUnfinished() {
-    if (unfinished_ != nullptr) unfinished_->abandon();
-}
-
-void VrnFile::forget() {
-    path_.clear();
-    if (unfinished_ == this) unfinished_ = nullptr;
 }

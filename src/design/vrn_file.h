@@ -1,8 +1,7 @@
 // VrnFile: the output file while it is written. A VRN file that exists is
 // complete: until finish() has seen every write, the last flush and the close
-// succeed, the file is unfinished, and a failure or an interruption removes
-// it. One file at a time is unfinished; abandonUnfinished() finds it for the
-// clean-up of an interrupted run.
+// succeed, the file is unfinished, and a failure, an interruption or the
+// file's end without finish() removes it.
 #pragma once
 
 #include <cstdio>
@@ -28,17 +27,10 @@ public:
     void abandon();
     // Lets the file go as it stands, open and unfinished: what an allocation
     // failure in the writer leaves.
-    void keepUnfinished();
-
-    // The clean-up of an interrupted run: abandons the file being written,
-    // if there is one.
-    static void abandonUnfinished();
+    void keepUnfinished() { stream_ = nullptr; }
 
 private:
-    void forget();
-
     std::FILE* stream_ = nullptr;
     std::string path_;
     bool failed_ = false;
-    static VrnFile* unfinished_;
 };

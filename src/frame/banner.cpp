@@ -3,13 +3,14 @@
 #include <cstdio>
 #include <cstring>
 
-const char kBuildDate[] = "20230721";
-const char kBuildTag[] = "/XQ";
-const char kSupportedFormat[] = "Valor odb++ specification 6.5";
+#include "containers/text_string.h"
+#include "odb2vrn_version.h"
 
 namespace {
 
-constexpr int kBannerLineArea = 2048;
+const char kBuildDate[] = "20230721";
+const char kBuildTag[] = "/XQ";
+const char kSupportedFormat[] = "Valor odb++ specification 6.5";
 constexpr int kConsoleWidth = 80;
 
 const char kLegalNotice[] =
@@ -17,7 +18,7 @@ const char kLegalNotice[] =
     "as is, without warranty of any kind, express or implied. Check every\n"
     "netlist it writes against the design before you use it for test or\n"
     "manufacture. Use, copying and distribution are subject to the licence\n"
-    "terms of Korvane Systems that came with this program.\n"
+    "terms of " ODB2VRN_RIGHTS_HOLDER " that came with this program.\n"
     "\n";
 
 // Centres text on an 80-column console: right-aligned in a field of
@@ -29,17 +30,15 @@ int centredWidth(const char* text) {
 }  // namespace
 
 void printBanner() {
-    char supported[kBannerLineArea] = {};
-    char rights[kBannerLineArea] = {};
-    char version[kBannerLineArea] = {};
+    char supported[kTextArea] = {};
+    char version[kTextArea] = {};
     std::snprintf(supported, sizeof supported, "Supported versions: %s", kSupportedFormat);
-    std::snprintf(rights, sizeof rights, "Copyright (c) 2004-2023 %s", kRightsHolder);
-    std::snprintf(version, sizeof version, "Version %s - %s Win64 %s", kVersionNumber, kBuildDate,
-                  kBuildTag);
+    std::snprintf(version, sizeof version, "Version %s - %s Win64 %s", ODB2VRN_VERSION, kBuildDate, kBuildTag);
+    const char rights[] = ODB2VRN_COPYRIGHT;
     const char shortRights[] = "All rights reserved.";
 
-    std::printf("\n%*s\n", centredWidth(kProgramTitle), kProgramTitle);
-    std::printf("%*s\n", centredWidth(kProgramName), kProgramName);
+    std::printf("\n%*s\n", centredWidth(ODB2VRN_PROGRAM_TITLE), ODB2VRN_PROGRAM_TITLE);
+    std::printf("%*s\n", centredWidth(ODB2VRN_PROGRAM_NAME), ODB2VRN_PROGRAM_NAME);
     std::printf("%*s\n", centredWidth(version), version);
     std::printf("%*s\n", centredWidth(supported), supported);
     std::printf("%*s\n", centredWidth(rights), rights);
@@ -48,7 +47,7 @@ void printBanner() {
 }
 
 void printUsage() {
-    std::printf("\nUsage: %s <archive_file> [options] <vrn_outputfile>\n\n", kProgramName);
+    std::printf("\nUsage: %s <archive_file> [options] <vrn_outputfile>\n\n", ODB2VRN_PROGRAM_NAME);
     std::printf("Options:\n");
     std::printf("-o            Writes the vrn output to the given filename.\n\n");
 }

@@ -1,10 +1,11 @@
+#include "frame/output_stage.h"
+
 #include <cstdio>
 #include <cstring>
 #include <string>
 
 #include "containers/abnormal_end.h"
 #include "design/design.h"
-#include "frame/conversion.h"
 #include "frame/run_options.h"
 #include "platform/platform.h"
 

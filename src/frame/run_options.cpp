@@ -7,8 +7,6 @@
 
 namespace {
 
-constexpr int kCurrentDirectoryArea = 2048;
-
 // Takes the variable's directory when its full path is a directory.
 bool chooseTempDirectory(RunOptions& options, const char* variable) {
     const char* value = platform::environmentValue(variable);
@@ -33,8 +31,8 @@ int lastSeparatorIndex(const char* text, const char* stops) {
 }  // namespace
 
 RunOptions::RunOptions() {
-    currentDirectory.setLength(kCurrentDirectoryArea);
-    platform::currentDirectory(currentDirectory.buffer(), kCurrentDirectoryArea);
+    currentDirectory.setLength(kTextArea);
+    platform::currentDirectory(currentDirectory.buffer(), kTextArea);
     const std::int32_t length = currentDirectory.length();
     if (length > 0 && platform::isPathSeparator(currentDirectory.buffer()[length - 1])) {
         currentDirectory.buffer()[length - 1] = '\0';  // a root: "C:" or ""
@@ -101,6 +99,35 @@ const char* extractNameMessage(int code) {
 
 }  // namespace
 
+namespace {
+
+// The -o option's file: the output file, and the temporary tree's parent
+// unless TMP or TEMP chose one. False, with its message printed, when it
+// can't be written.
+bool takeOutputFile(RunOptions& options, const char* path) {
+    options.outputFile.assign(path);
+    char directory[kPathArea];
+    const int pathCode = checkOutputPath(options.outputFile.text(), directory);
+    if (pathCode != 0) {
+        std::printf("%s", checkOutputMessage(pathCode));
+        return false;
+    }
+    options.outputDirectory.assign(directory);
+    if (!options.tempDirectoryChosen) {
+        options.tempDirectory.assign(options.outputDirectory);
+        options.tempDirectoryChosen = true;
+    }
+    char name[kPathArea];
+    const int nameCode = extractFileName(options.outputFile.text(), name);
+    if (nameCode != 0) {
+        std::printf("%s", extractNameMessage(nameCode));
+        return false;
+    }
+    return true;
+}
+
+}  // namespace
+
 bool parseArguments(RunOptions& options, int argc, const char* const* argv) {
     if (argc < 2) return false;
     options.inputFile.assign(argv[1]);
@@ -146,24 +173,7 @@ bool parseArguments(RunOptions& options, int argc, const char* const* argv) {
             std::printf("Error: No output file specified\n");
             return false;
         }
-        options.outputFile.assign(argv[i + 1]);
-
-        char directory[kPathArea];
-        const int pathCode = checkOutputPath(options.outputFile.text(), directory);
-        if (pathCode != 0) {
-            std::printf("%s", checkOutputMessage(pathCode));
-            return false;
-        }
-        options.outputDirectory.assign(directory);
-        if (!options.tempDirectoryChosen) {
-            options.tempDirectory.assign(options.outputDirectory);
-            options.tempDirectoryChosen = true;
-        }
-        const int outputNameCode = extractFileName(options.outputFile.text(), name);
-        if (outputNameCode != 0) {
-            std::printf("%s", extractNameMessage(outputNameCode));
-            return false;
-        }
+        if (!takeOutputFile(options, argv[i + 1])) return false;
     }
     return true;
 }

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "design/component_key.h"
 #include "design/design.h"
 #include "report/messages.h"
 #include "odb/job_reader.h"
@@ -19,14 +20,14 @@ struct ComponentsRead {
     Design& design;
     ComponentScanner scanner;
     const char* line = nullptr;
-    TextString sideLetter;
+    BoardSide side = BoardSide::kTop;
     std::int32_t componentNumber = 0;
     Part* current = nullptr;
     char firstWord[kFirstWordArea] = {};
-    char propertyValue[kLineArea] = {};
-    char name[kLineArea] = {};
-    char partName[kLineArea] = {};
-    char pinText[kLineArea] = {};
+    char propertyValue[kTextArea] = {};
+    char name[kTextArea] = {};
+    char partName[kTextArea] = {};
+    char pinText[kTextArea] = {};
 
     explicit ComponentsRead(Design& target) : design(target) {}
 
@@ -42,10 +43,9 @@ bool ComponentsRead::cmp() {
     long packageNumber = 0;
     char mirror = 0;
     if (scanCmpRecord(line, &packageNumber, &mirror, name, partName) != 7) return false;
-    Part* part = new Part(nullptr);
+    Part* part = design.arena.make<Part>(design.arena, nullptr);
     current = part;
-    part->assign(sideLetter);
-    part->append(componentNumber);
+    part->assign(componentKey(side, componentNumber));
     ++componentNumber;
     part->setTypeName(partName);
     part->setRefdes(name);
@@ -75,7 +75,7 @@ void ComponentsRead::copyQuotedValue() {
     int length = 0;
     for (const char* p = from; *p != '\0' && *p != '\''; ++p) {
         if (*p == '\n' || (*p == '\r' && (p[1] == '\n' || p[1] == '\0'))) break;
-        if (length < kLineArea - 1) propertyValue[length++] = isWhiteSpace(*p) ? '_' : *p;
+        if (length < kTextArea - 1) propertyValue[length++] = isWhiteSpace(*p) ? '_' : *p;
     }
     propertyValue[length] = '\0';
 }
@@ -103,8 +103,8 @@ bool ComponentsRead::top() {
     long pinNumber = 0, netNumber = 0;
     char mirror = 0;
     if (scanTopRecord(line, &pinNumber, &mirror, &netNumber, pinText) != 8) return false;
-    current->pins.addItem(new PartPin("DUMMY", static_cast<std::int32_t>(pinNumber),
-                                      static_cast<std::int32_t>(netNumber), pinText));
+    current->pins.addItem(design.arena.make<PartPin>("DUMMY", static_cast<std::int32_t>(pinNumber),
+                                                     static_cast<std::int32_t>(netNumber), pinText));
     return true;
 }
 
@@ -112,7 +112,7 @@ bool ComponentsRead::top() {
 
 std::int32_t JobReader::readComponents(TextString layerName) {
     ComponentsRead read(design);
-    read.sideLetter.assign(layerName.equals("comp_+_top") ? "T" : "B");
+    read.side = layerName.equals("comp_+_top") ? BoardSide::kTop : BoardSide::kBottom;
     if (!read.scanner.open(componentsPath(layerName.text()), &design)) return 1;
     const std::int32_t result = readRecords(read.scanner, read.firstWord, [&read](const char* line, std::int32_t code) {
         read.line = line;
@@ -124,6 +124,6 @@ std::int32_t JobReader::readComponents(TextString layerName) {
         }
     });
     if (result != 0) return 1;
-    std::printf("Number of component(s), %s - layer:%d\n", read.sideLetter.text(), read.componentNumber);
+    std::printf("Number of component(s), %s - layer:%d\n", sideLetter(read.side), read.componentNumber);
     return 0;
 }

@@ -2,11 +2,10 @@
 // connections (NET, SNT TOP), the packages (PKG) and their pin names (PIN).
 // Everything else in the file is passed over.
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
+#include <memory>
 
 #include "design/design.h"
-#include "design/run_lifetime.h"
 #include "odb/job_reader.h"
 #include "odb/line_scanner.h"
 #include "odb/record_scans.h"
@@ -23,12 +22,12 @@ struct EdaRead {
     Net* currentNet = nullptr;
     Part* currentPackage = nullptr;
     char firstWord[kFirstWordArea] = {};
-    char secondWord[kLineArea] = {};
-    char pinName[kLineArea] = {};
-    char netName[kLineArea] = {};
-    char numberWord[kLineArea] = {};
-    char keyText[kLineArea + 1] = {};  // a side letter and a number word
-    char packageName[kLineArea] = {};
+    char secondWord[kTextArea] = {};
+    char pinName[kTextArea] = {};
+    char netName[kTextArea] = {};
+    char numberWord[kTextArea] = {};
+    char keyText[kTextArea + 1] = {};  // a side letter and a number word
+    char packageName[kTextArea] = {};
 
     explicit EdaRead(Design& target) : design(target) {}
 
@@ -49,7 +48,7 @@ bool EdaRead::net() {
         currentNet = nullptr;
         return true;
     }
-    Net* created = makeForRun<Net>(netNumber, name.text());
+    Net* created = design.arena.make<Net>(design.arena, netNumber, name.text());
     currentNet = created;
     design.noteNetNameLength(name.length());
     design.nets.addNet(created);
@@ -71,14 +70,15 @@ bool EdaRead::snt() {
     // "SNT TOP T 12 3" ties the net to pin index 3 of component T12.
     keyText[0] = side;
     std::strcpy(keyText + 1, numberWord);
-    currentNet->addNetPin(makeForRun<NetPin>(static_cast<const char*>(keyText), static_cast<std::int32_t>(pinIndex)));
+    NetPin* pin = design.arena.make<NetPin>(keyText, static_cast<std::int32_t>(pinIndex));
+    if (currentNet->addNetPin(pin) == nullptr) std::destroy_at(pin);  // a duplicate
     return true;
 }
 
 bool EdaRead::pkg() {
     if (scanNameRecord(line, packageName) != 1) return false;
     currentNet = nullptr;
-    Part* package = new Part(packageName);
+    Part* package = design.arena.make<Part>(design.arena, packageName);
     currentPackage = package;
     package->assign(packageNumber);
     ++packageNumber;
@@ -92,7 +92,7 @@ bool EdaRead::pin() {
     if (scanNameRecord(line, pinName) != 1) return false;
     TextString name(pinName);
     while (currentPackage->pins.findPinByName(name) != nullptr) name.append("_");
-    currentPackage->pins.addItem(new PartPin(name, 0, 0));
+    currentPackage->pins.addItem(design.arena.make<PartPin>(name, 0, 0));
     return true;
 }
 

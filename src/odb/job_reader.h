@@ -2,18 +2,20 @@
 // reads four files, in this order: the matrix (for the step), the step's
 // eda/data (nets and packages), and the components of the layers
 // "comp_+_top" and "comp_+_bot". Every read returns 0 or 1 and no reason.
+// Each file's reader is defined in a file of its own: matrix_reader.cpp,
+// eda_data_reader.cpp and components_reader.cpp.
 #pragma once
 
 #include <cstdint>
 
 #include "containers/item_list.h"
 #include "containers/text_string.h"
-
-class Design;
+#include "design/design.h"
 
 class JobReader {
 public:
     JobReader(TextString jobRoot, TextString jobName, Design& design);
+    ~JobReader() { steps.clearItems(); }
     JobReader(const JobReader&) = delete;
     JobReader& operator=(const JobReader&) = delete;
 
@@ -35,6 +37,6 @@ public:
     TextString jobRoot;
     Design& design;
     TextString stepName;
-    ItemList<TextString> steps;  // the texts live until the run ends
+    ItemList<TextString> steps;  // the names, made in the design's arena
     std::int32_t stepCount = 0;
 };

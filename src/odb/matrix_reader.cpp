@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "design/run_lifetime.h"
 #include "odb/job_reader.h"
 #include "odb/matrix_scanner.h"
 #include "platform/platform.h"
@@ -38,8 +37,8 @@ const LayerTypeClass kLayerClasses[] = {
 
 struct MatrixLine {
     TextString text;
-    char word[MatrixScanner::kLineArea];
-    char value[MatrixScanner::kLineArea];
+    char word[kTextArea];
+    char value[kTextArea];
     char opener;
 
     void scanTopLevel() {
@@ -106,7 +105,7 @@ std::int32_t JobReader::readMatrix() {
                     scanner.readLine(line.text);
                     line.scanBlockLine();
                     if (scanner.lookup(line.word) == MatrixScanner::kName) {
-                        steps.addItem(makeForRun<TextString>(line.value));
+                        steps.addItem(design.arena.make<TextString>(line.value));
                         ++stepCount;
                     }
                 } while (blockGoesOn(scanner));

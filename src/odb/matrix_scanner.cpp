@@ -86,6 +86,6 @@ std::int32_t MatrixScanner::readLine(TextString& line) {
             lineBuffer[0] = '\0';
             continue;
         }
-        if (keep && position < kLineArea - 1) lineBuffer[position++] = static_cast<char>(c);
+        if (keep && position < kTextArea - 1) lineBuffer[position++] = static_cast<char>(c);
     }
 }

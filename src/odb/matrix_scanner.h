@@ -28,17 +28,15 @@ public:
     std::int32_t lookup(const char* word) { return keywords.lookup(word, false, 0); }
     void close();
 
-    // Characters past this many in one line are dropped; braces and the
-    // comment flag still count them.
-    static constexpr int kLineArea = 2048;
-
     std::FILE* file = nullptr;
     bool endOfFile = false;
     bool characterPushedBack = false;
     int pushedBackCharacter = 0;
     KeywordTable keywords;
     std::int32_t lineCounter = 1;
-    char lineBuffer[kLineArea] = {};
+    // Characters past its 2047 in one line are dropped; braces and the
+    // comment flag still count them.
+    char lineBuffer[kTextArea] = {};
     bool opened = false;
     std::int32_t braceCounter = 0;
 

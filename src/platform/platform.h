@@ -23,12 +23,8 @@ namespace platform {
 
 // The separator every built path uses. Code that searches a path for a
 // separator accepts both '\\' and '/' (isPathSeparator).
-extern const char kPathSeparator;
 extern const char kPathSeparatorText[];
 inline bool isPathSeparator(char c) { return c == '/' || c == '\\'; }
-
-// The limit that _fullpath is always called with.
-constexpr int kFullPathLimit = 270;
 
 // GetCurrentDirectoryA: writes the current directory as an absolute,
 // zero-terminated path into buffer (size bytes). A root comes back with its
@@ -54,7 +50,7 @@ std::string asWritten(const char* text);
 // kept; no link resolution, no existence test). An empty path gives the
 // current directory. Returns false, with buffer undefined, when the result
 // and its terminator do not fit limit bytes, or when the system refuses the
-// path: Windows's ANSI calls stop at MAX_PATH, below kFullPathLimit, even
+// path: Windows's ANSI calls stop at MAX_PATH, below the limit of 270, even
 // for a long path that folds to a short result.
 bool fullPath(char* buffer, const char* path, int limit);
 
@@ -75,11 +71,12 @@ std::string pathExtension(const char* name);
 // as missing. Returns null when no file is found or it can't be opened.
 std::FILE* openJobFile(const char* path);
 
-// Memory that is never given back: size bytes, zeroed, faulted in at once
-// where the system allows it (a board's model touches hundreds of
-// megabytes, and a fault per page costs more than filling it). Null on
-// failure, and for size 0.
+// The arena's regions: size bytes, zeroed, faulted in at once where the
+// system allows it (a board's model touches hundreds of megabytes, and a
+// fault per page costs more than filling it). Null on failure, and for size
+// 0. releaseBulkMemory gives a region back whole.
 void* allocateBulkMemory(std::size_t size);
+void releaseBulkMemory(void* region, std::size_t size);
 
 // --- The temporary folder -------------------------------------------------
 
@@ -213,18 +210,21 @@ private:
 // The handler only records the first interruption and stops every process
 // started here (each has a process group of its own, or sits in the run's
 // job object, and dies with the program even when it is killed hard). The
-// clean-up runs in ordinary code, at stopIfInterrupted. A second
+// run sees it as a result: the stages that can stop ask interrupted() and
+// hand it up, and the run ends by endByInterruption() in one place. A second
 // interruption ends the program at once.
 
-// Installs the handlers; cleanUp(context) is what stopIfInterrupted runs.
-// A null cleanUp leaves nothing to clean up. An interruption that the
-// program was started to ignore (nohup) stays ignored.
-void handleInterruptions(void (*cleanUp)(void*), void* context);
+// Installs the handlers. An interruption that the program was started to
+// ignore (nohup) stays ignored.
+void handleInterruptions();
 
-// A point where the run can stop: after an interruption, runs the clean-up,
-// flushes the standard output, then ends the program as the signal would
-// have (a shell sees 128 + the signal; on Windows the code of a program
-// stopped by Ctrl-C). Returns at once when there was none.
-void stopIfInterrupted();
+// True once an interruption was recorded.
+bool interrupted();
+
+// Flushes the standard output and ends the program as the recorded
+// interruption would have: a shell sees 128 + the signal; on Windows the
+// code of a program stopped by Ctrl-C.
+// REQUIRES: interrupted().
+[[noreturn]] void endByInterruption();
 
 }  // namespace platform

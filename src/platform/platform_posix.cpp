@@ -19,7 +19,6 @@
 
 namespace platform {
 
-const char kPathSeparator = '/';
 const char kPathSeparatorText[] = "/";
 
 void currentDirectory(char* buffer, int size) {
@@ -168,6 +167,8 @@ void* allocateBulkMemory(std::size_t size) {
 #endif
     return memory;
 }
+
+void releaseBulkMemory(void* region, std::size_t size) { munmap(region, size); }
 
 // --- The temporary folder ---------------------------------------------------
 

@@ -22,7 +22,6 @@
 
 namespace platform {
 
-const char kPathSeparator = '\\';
 const char kPathSeparatorText[] = "\\";
 
 void currentDirectory(char* buffer, int size) {
@@ -118,6 +117,8 @@ void* allocateBulkMemory(std::size_t size) {
     // zeroed all the same.
     return VirtualAlloc(nullptr, size, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
 }
+
+void releaseBulkMemory(void* region, std::size_t) { VirtualFree(region, 0, MEM_RELEASE); }
 
 // --- The temporary folder ---------------------------------------------------
 

@@ -171,27 +171,13 @@ void drainOutput(int pipe, std::string& output) {
 Process::Process() = default;
 Process::~Process() = default;
 
-bool Process::start(const char* commandLine, ProcessStreams streams) {
-    const std::vector<std::string> arguments = splitCommandLine(commandLine);
-    if (arguments.empty() || arguments[0].empty()) return false;
-    std::vector<char*> argv;
-    for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
-    argv.push_back(nullptr);
-    const std::vector<std::string> candidates = programCandidates(arguments[0]);
+namespace {
 
-    CapturePipes capture;
-    if (streams == ProcessStreams::kCaptured && !capture.open()) return false;
-    const int childStreams[3] = {capture.input, capture.output, capture.output};
-    // A failed exec is reported through a pipe that a successful one closes,
-    // as CreateProcessA reports a program that can't start.
-    int report[2];
-    if (pipe2(report, O_CLOEXEC) != 0) {
-        capture.closeChildEnds();
-        if (capture.reader >= 0) ::close(capture.reader);
-        return false;
-    }
-    // No interruption between the start and the listing: the handler must
-    // know every process it has to stop.
+// Forks the child that becomes the program, with the interruptions held back
+// until it is listed: the handler must know every process it has to stop.
+// -1 when the fork fails. A failed exec writes its errno to reportWriter.
+pid_t forkProgram(const std::vector<std::string>& candidates, char* const* argv, const int streams[3],
+                  int reportWriter) {
     sigset_t interruptions;
     sigset_t callerMask;
     sigemptyset(&interruptions);
@@ -200,8 +186,8 @@ bool Process::start(const char* commandLine, ProcessStreams streams) {
     const pid_t parent = getpid();
     const pid_t pid = fork();
     if (pid == 0) {
-        const int failure = becomeProgram(parent, candidates, argv.data(), callerMask, childStreams);
-        (void)!write(report[1], &failure, sizeof failure);
+        const int failure = becomeProgram(parent, candidates, argv, callerMask, streams);
+        (void)!write(reportWriter, &failure, sizeof failure);
         _exit(127);
     }
     if (pid > 0) {
@@ -209,21 +195,47 @@ bool Process::start(const char* commandLine, ProcessStreams streams) {
         listChild(pid);
     }
     sigprocmask(SIG_SETMASK, &callerMask, nullptr);
-    ::close(report[1]);
-    capture.closeChildEnds();
+    return pid;
+}
+
+// True when the exec reported a failure before the pipe closed.
+bool execFailed(int reportReader) {
     int failure = 0;
     ssize_t got;
     do {
-        got = read(report[0], &failure, sizeof failure);
+        got = read(reportReader, &failure, sizeof failure);
     } while (got < 0 && errno == EINTR);
-    ::close(report[0]);
-    if (pid < 0) {
-        if (capture.reader >= 0) ::close(capture.reader);
-        return false;
+    close(reportReader);
+    return got > 0;
+}
+
+}  // namespace
+
+bool Process::start(const char* commandLine, ProcessStreams streams) {
+    const std::vector<std::string> arguments = splitCommandLine(commandLine);
+    if (arguments.empty() || arguments[0].empty()) return false;
+    std::vector<char*> argv;
+    for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
+    argv.push_back(nullptr);
+
+    CapturePipes capture;
+    if (streams == ProcessStreams::kCaptured && !capture.open()) return false;
+    const int childStreams[3] = {capture.input, capture.output, capture.output};
+    // A failed exec is reported through a pipe that a successful one closes,
+    // as CreateProcessA reports a program that can't start.
+    int report[2];
+    pid_t pid = -1;
+    if (pipe2(report, O_CLOEXEC) == 0) {
+        pid = forkProgram(programCandidates(arguments[0]), argv.data(), childStreams, report[1]);
+        ::close(report[1]);
+        if (execFailed(report[0]) && pid > 0) {
+            int status = 0;
+            reap(pid, &status);
+            pid = -1;
+        }
     }
-    if (got > 0) {
-        int status = 0;
-        reap(pid, &status);
+    capture.closeChildEnds();
+    if (pid < 0) {
         if (capture.reader >= 0) ::close(capture.reader);
         return false;
     }
@@ -264,8 +276,6 @@ void Process::close() {
 namespace {
 
 volatile sig_atomic_t recordedSignal = 0;
-void (*cleanUpAction)(void*) = nullptr;
-void* cleanUpContext = nullptr;
 
 [[noreturn]] void endBySignal(int signal) {
     struct sigaction standard {};
@@ -290,9 +300,7 @@ void onInterruption(int signal) {
 
 }  // namespace
 
-void handleInterruptions(void (*cleanUp)(void*), void* context) {
-    cleanUpAction = cleanUp;
-    cleanUpContext = context;
+void handleInterruptions() {
     struct sigaction action {};
     action.sa_handler = onInterruption;
     // No SA_RESTART: a wait for the step number on standard input ends, and
@@ -309,12 +317,11 @@ void handleInterruptions(void (*cleanUp)(void*), void* context) {
     }
 }
 
-void stopIfInterrupted() {
-    const int signal = recordedSignal;
-    if (signal == 0) return;
-    if (cleanUpAction != nullptr) cleanUpAction(cleanUpContext);
+bool interrupted() { return recordedSignal != 0; }
+
+void endByInterruption() {
     std::fflush(stdout);
-    endBySignal(signal);
+    endBySignal(recordedSignal);
 }
 
 }  // namespace platform

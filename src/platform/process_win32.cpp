@@ -161,8 +161,6 @@ constexpr UINT kStoppedByControlC = 0xC000013Au;
 
 std::atomic<DWORD> recordedEvent{0};
 std::atomic<bool> cleanedUp{false};
-void (*cleanUpAction)(void*) = nullptr;
-void* cleanUpContext = nullptr;
 
 [[noreturn]] void endStopped() {
     std::fflush(stdout);
@@ -186,15 +184,11 @@ BOOL WINAPI onControlEvent(DWORD event) {
 
 }  // namespace
 
-void handleInterruptions(void (*cleanUp)(void*), void* context) {
-    cleanUpAction = cleanUp;
-    cleanUpContext = context;
-    SetConsoleCtrlHandler(onControlEvent, TRUE);
-}
+void handleInterruptions() { SetConsoleCtrlHandler(onControlEvent, TRUE); }
 
-void stopIfInterrupted() {
-    if (recordedEvent.load() == 0) return;
-    if (cleanUpAction != nullptr) cleanUpAction(cleanUpContext);
+bool interrupted() { return recordedEvent.load() != 0; }
+
+void endByInterruption() {
     cleanedUp.store(true);
     endStopped();
 }

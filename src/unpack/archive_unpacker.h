@@ -2,7 +2,9 @@
 // directory with a random name, has the 7-Zip console tool qx7za.exe fill
 // it, peels lone files (unpacked in turn) and lone directories (descended
 // into) down to the job root, and expands the job's ".Z" members.
-// removeTemporaryTree() takes the tree away again.
+// removeTemporaryTree() takes the tree away again. The members are defined
+// by concern: unpack_sequence.cpp, unpacker_invocation.cpp,
+// compressed_expansion.cpp and tree_removal.cpp.
 #pragma once
 
 #include <cstdint>
@@ -13,17 +15,19 @@
 
 class ArchiveUnpacker {
 public:
-    // 0 when the tool ran to its end and reported no damage, whatever its
-    // exit code; 1 when it could not be found ("Error, qx7za.exe not found")
-    // or started; 2 when it reported damage ("Error, unzip failed: <its
-    // first error text>"; see unpack_damage.h).
+    // What runUnpacker gives: the tool ran to its end and reported no
+    // damage, whatever its exit code; it could not be found ("Error, qx7za.exe
+    // not found") or run ("Error in Call unzip"); it reported damage ("Error,
+    // unzip failed: <its first error text>"; see unpack_damage.h); or the
+    // run was interrupted, and nothing was printed.
+    enum Pass : std::int32_t { kPassRan = 0, kPassNotRun = 1, kPassDamaged = 2, kPassInterrupted = 3 };
     std::int32_t runUnpacker(const TextString& source, const TextString& target);
-    static constexpr std::int32_t kDamagedPass = 2;
 
     // 0: jobRoot and jobName are set. 1: a tree is in use already. 2: the
     // input or the temporary directory can't be statted. 3: no free name.
     // 6: the peeling ended in an empty directory. 9: nothing was unpacked.
     // 10: a pass of the tool reported damage: the tree is not the job.
+    // 11: the run was interrupted.
     std::int32_t unpack(const TextString& inputFile, const TextString& tempDirectory, TextString& jobRoot,
                         TextString& jobName);
 
@@ -48,14 +52,15 @@ public:
     bool unpackerFound = false;
 
 private:
+    // One run of the tool on one source and target.
+    struct ToolRun {
+        enum Status { kEnded, kNotStarted, kNoExitCode, kInterrupted } status = kNotStarted;
+        TextString command;
+        std::uint32_t exitCode = 0;
+        std::string output;  // when captured
+    };
+    ToolRun runTool(const TextString& source, const TextString& target, bool captureOutput);
     bool findUnpacker();
+    bool claimTemporaryDirectory(const TextString& tempDirectory, char* name, TextString& jobRoot);
+    std::int32_t peelToJob(TextString& jobRoot, TextString& jobName);
 };
-
-// Runs command to its end, its console hidden, or its output captured into
-// output when that is given. 0 with exitCode set; 1 when it could not be
-// started; 2 when its exit code could not be read.
-std::int32_t runToEnd(const TextString& command, std::uint32_t* exitCode, std::string* output);
-
-// Fills buffer with length characters of the random-name alphabet and a
-// terminator.
-void makeRandomName(char* buffer, int length);

@@ -5,16 +5,13 @@
 
 #include "platform/platform.h"
 #include "unpack/archive_unpacker.h"
+#include "unpack/directory_walk.h"
 
 std::int32_t ArchiveUnpacker::collectCompressedFiles(TextString path, CompressedFileList& queue) {
-    platform::DirectorySearch search;
-    platform::FindRecord record;
-    if (!search.findFirst((path + platform::kPathSeparatorText + "*").text(), record)) return 1;
-    do {
-        if (record.name == "." || record.name == "..") continue;
-        if ((record.attributes & platform::kAttributeDirectory) != 0) {
-            collectCompressedFiles(path + platform::kPathSeparatorText + record.name.c_str(), queue);
-            continue;
+    const bool listed = forEachEntry(path, [&](const platform::FindRecord& record) {
+        if (isDirectoryEntry(record)) {
+            collectCompressedFiles(childPath(path, record.name), queue);
+            return true;
         }
         const std::string extension = platform::pathExtension(record.name.c_str());
         if (extension == ".Z" || extension == ".z") {
@@ -23,22 +20,19 @@ std::int32_t ArchiveUnpacker::collectCompressedFiles(TextString path, Compressed
             file.fileName.assign(record.name.c_str());
             queue.addCompressedFile(file);
         }
-    } while (search.findNext(record));
-    return 0;
+        return true;
+    });
+    return listed ? 0 : 1;
 }
 
 std::int32_t ArchiveUnpacker::expandCompressedFiles(CompressedFileList& queue) {
     while (queue.itemCount() > 0) {
         const CompressedFile file = queue.takeCompressedFile();
-        const TextString command = unpackerCommand + " x \"" + file.directory + platform::kPathSeparatorText +
-                                   file.fileName + "\" -o\"" + file.directory + "\" -y";
-        std::uint32_t exitCode = 0;
-        const std::int32_t run = runToEnd(command, &exitCode, nullptr);
-        if (run == 1) std::printf("Error in Call unzip: %s\n", platform::asWritten(command.text()).c_str());
-        if (run != 0) return 1;
+        const ToolRun run = runTool(childPath(file.directory, file.fileName.text()), file.directory, false);
+        if (run.status != ToolRun::kEnded) return 1;
         // 7-Zip's exit codes: 0 fine, 1 warning, 2 fatal error, 7 command
         // line error, 8 out of memory, 255 stopped by the user.
-        switch (exitCode) {
+        switch (run.exitCode) {
             case 0:
             case 1:
                 continue;
@@ -47,14 +41,14 @@ std::int32_t ArchiveUnpacker::expandCompressedFiles(CompressedFileList& queue) {
                 std::printf("Use 7-Zip (A) 9.20 (2010-11-18) from Korvane Systems' installation\n");
                 return 2;
             case 7:
-                std::printf("Bad Command : %s\n", platform::asWritten(command.text()).c_str());
+                std::printf("Bad Command : %s\n", platform::asWritten(run.command.text()).c_str());
                 return 2;
             case 8:
                 return 3;
             case 255:
                 return 2;
             default:
-                return static_cast<std::int32_t>(exitCode);
+                return static_cast<std::int32_t>(run.exitCode);
         }
     }
     return 0;

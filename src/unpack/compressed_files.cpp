@@ -1,9 +1,10 @@
 #include "unpack/compressed_files.h"
 
 CompressedFile CompressedFileList::takeCompressedFile() {
-    Node* tail = nodeAt(itemCount() - 1);
+    const std::int32_t last = files_.itemCount() - 1;
+    RecordNode<CompressedFile>* tail = files_.nodeAt(last);
     if (tail == nullptr) abnormalEnd();
     CompressedFile record = tail->record;
-    removeAt(itemCount() - 1);
+    files_.removeAt(last);
     return record;
 }

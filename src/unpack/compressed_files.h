@@ -11,11 +11,16 @@ struct CompressedFile {
     TextString fileName;   // the name within it, with its extension
 };
 
-class CompressedFileList : public RecordList<CompressedFile> {
+class CompressedFileList {
 public:
+    std::int32_t itemCount() const { return files_.itemCount(); }
     // A copy of record goes to the head; every index moves up by one.
-    void addCompressedFile(CompressedFile record) { addHead(record); }
+    void addCompressedFile(const CompressedFile& record) { files_.addHead(record); }
     // A copy of the record at the tail, which leaves the list.
     // REQUIRES: itemCount() > 0.
     CompressedFile takeCompressedFile();
+
+private:
+    Arena arena_;
+    RecordList<CompressedFile> files_{arena_};
 };

@@ -3,6 +3,7 @@
 // as a directory, so nothing outside the tree is ever entered.
 #include "platform/platform.h"
 #include "unpack/archive_unpacker.h"
+#include "unpack/directory_walk.h"
 
 std::int32_t ArchiveUnpacker::removeTemporaryTree() {
     if (!treeInUse || !treeCreated) return 1;
@@ -14,19 +15,17 @@ std::int32_t ArchiveUnpacker::removeTemporaryTree() {
 }
 
 std::int32_t ArchiveUnpacker::removeTree(TextString path) {
-    platform::DirectorySearch search;
-    platform::FindRecord record;
-    if (!search.findFirst((path + platform::kPathSeparatorText + "*").text(), record)) return 1;
-    do {
-        if (record.name == "." || record.name == "..") continue;
-        const TextString entry = path + platform::kPathSeparatorText + record.name.c_str();
-        if ((record.attributes & platform::kAttributeDirectory) != 0) {
-            if (removeTree(entry) != 0) return 2;
-            if (!platform::removeDirectory(entry.text())) return 2;
+    std::int32_t result = 0;
+    const bool listed = forEachEntry(path, [&](const platform::FindRecord& record) {
+        const TextString entry = childPath(path, record.name);
+        if (isDirectoryEntry(record)) {
+            if (removeTree(entry) == 0 && platform::removeDirectory(entry.text())) return true;
         } else {
             if ((record.attributes & platform::kAttributeReadOnly) != 0) platform::makeWritable(entry.text());
-            if (!platform::deleteFile(entry.text())) return 2;
+            if (platform::deleteFile(entry.text())) return true;
         }
-    } while (search.findNext(record));
-    return 0;
+        result = 2;
+        return false;
+    });
+    return listed ? result : 1;
 }

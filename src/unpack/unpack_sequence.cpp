@@ -2,6 +2,7 @@
 // peeled down to the level that holds the job.
 #include "platform/platform.h"
 #include "unpack/archive_unpacker.h"
+#include "unpack/directory_walk.h"
 
 namespace {
 
@@ -13,23 +14,21 @@ static_assert(kAlphabetSize == 46, "the random-name alphabet has 46 characters")
 constexpr int kRandomNameLength = 8;
 constexpr int kNameTries = 1000;
 
-TextString childPath(const TextString& directory, const char* name) {
-    return directory + platform::kPathSeparatorText + name;
-}
-
-TextString allEntries(const TextString& directory) { return childPath(directory, "*"); }
-
-}  // namespace
-
+// Fills buffer with length characters of the alphabet and a terminator.
 void makeRandomName(char* buffer, int length) {
     for (int i = 0; i < length; ++i) buffer[i] = kRandomNameAlphabet[platform::randomNumber() % kAlphabetSize];
     buffer[length] = '\0';
 }
 
+// What unpack gives for a pass that can't be judged by the tree it left.
+std::int32_t failedPass(std::int32_t pass) {
+    return pass == ArchiveUnpacker::kPassDamaged ? 10 : pass == ArchiveUnpacker::kPassInterrupted ? 11 : 0;
+}
+
+}  // namespace
+
 std::int32_t ArchiveUnpacker::unpack(const TextString& inputFile, const TextString& tempDirectory,
                                      TextString& jobRoot, TextString& jobName) {
-    TextString searchPattern;
-    TextString filePath;
     if (treeInUse) return 1;
     unpackerFound = false;
     unpackerCommand.clear();
@@ -37,17 +36,38 @@ std::int32_t ArchiveUnpacker::unpack(const TextString& inputFile, const TextStri
     if (!platform::statPath(archivePath.text(), nullptr)) return 2;
     bool isDirectory = false;
     if (!platform::statPath(tempDirectory.text(), &isDirectory) || !isDirectory) return 2;
-
-    // The folder is claimed before the unpacker runs: a run beside this one
-    // that draws the same name finds it taken and draws again.
     char name[kRandomNameLength + 1];
+    if (!claimTemporaryDirectory(tempDirectory, name, jobRoot)) return 3;
+
+    // Judged by what the directory holds, unless the tool reported damage
+    // or the run was interrupted.
+    const std::int32_t pass = runUnpacker(archivePath, tempPath);
+    treeCreated = true;
+    treeInUse = true;
+    if (failedPass(pass) != 0) return failedPass(pass);
+    platform::FindRecord record;
+    if (!platform::DirectorySearch().findFirst(jobRoot.text(), record)) return 9;
+    jobName.assign(name);
+    const std::int32_t peeled = peelToJob(jobRoot, jobName);
+    if (peeled != 0) return peeled;
+
+    CompressedFileList queue;
+    collectCompressedFiles(jobRoot, queue);
+    expandCompressedFiles(queue);
+    return 0;
+}
+
+// The folder is claimed before the unpacker runs: a run beside this one that
+// draws the same name finds it taken and draws again. False when no name of
+// kNameTries was free.
+bool ArchiveUnpacker::claimTemporaryDirectory(const TextString& tempDirectory, char* name, TextString& jobRoot) {
     platform::DirectoryCreation claim = platform::DirectoryCreation::kExists;
     for (int tries = 0; tries < kNameTries && claim == platform::DirectoryCreation::kExists; ++tries) {
         makeRandomName(name, kRandomNameLength);
         jobRoot.assign(childPath(tempDirectory, name));
         claim = platform::createDirectory(jobRoot.text());
     }
-    if (claim == platform::DirectoryCreation::kExists) return 3;
+    if (claim == platform::DirectoryCreation::kExists) return false;
     tempPath.assign(jobRoot);
     if (claim == platform::DirectoryCreation::kCreated) {
         treeCreated = true;
@@ -55,51 +75,34 @@ std::int32_t ArchiveUnpacker::unpack(const TextString& inputFile, const TextStri
     }
     // A folder that could not be made for another reason is left to the
     // unpacker, which fails on it as it always did.
+    return true;
+}
 
-    // Judged by what the directory holds, unless the tool reported damage.
-    const bool damaged = runUnpacker(archivePath, tempPath) == kDamagedPass;
-    treeCreated = true;
-    treeInUse = true;
-    if (damaged) return 10;
-
-    platform::DirectorySearch search;
-    platform::FindRecord record;
-    if (!search.findFirst(jobRoot.text(), record)) return 9;
-    search.close();
-    searchPattern.assign(allEntries(jobRoot));
-    jobName.assign(name);
-
-    int count = 0;
+// Unpacks a lone file beside itself and deletes it, or enters a lone
+// directory, until a level holds several entries: the job. 0 there, 6 at an
+// empty level, or the code of a pass that failed.
+std::int32_t ArchiveUnpacker::peelToJob(TextString& jobRoot, TextString& jobName) {
     for (;;) {
-        // The last entry enumerated is the counted one: "." and ".." come first.
-        count = 0;
-        if (search.findFirst(searchPattern.text(), record)) {
-            do {
-                if (record.name != "." && record.name != "..") ++count;
-            } while (search.findNext(record));
-            search.close();
+        int count = 0;
+        platform::FindRecord lone;
+        forEachEntry(jobRoot, [&](const platform::FindRecord& record) {
+            ++count;
+            lone = record;
+            return true;
+        });
+        if (count == 0) return 6;
+        if (count > 1) return 0;
+        if (isDirectoryEntry(lone)) {
+            jobRoot.assign(childPath(jobRoot, lone.name));
+            jobName.assign(lone.name.c_str());
+            continue;
         }
-        if (count != 1) break;
-        if ((record.attributes & platform::kAttributeDirectory) == 0) {
-            // A lone file: unpack it beside itself, then delete it.
-            filePath.assign(childPath(jobRoot, record.name.c_str()));
-            const bool damagedFile = runUnpacker(filePath, jobRoot) == kDamagedPass;
-            treeCreated = true;
-            treeInUse = true;
-            if (damagedFile) return 10;
-            if ((record.attributes & platform::kAttributeReadOnly) != 0) platform::makeWritable(filePath.text());
-            platform::deleteFile(filePath.text());  // remove(): fails only on read-only
-        } else {
-            jobRoot.assign(childPath(jobRoot, record.name.c_str()));
-            jobName.assign(record.name.c_str());
-            searchPattern.assign(allEntries(jobRoot));
-        }
+        const TextString filePath = childPath(jobRoot, lone.name);
+        const std::int32_t pass = runUnpacker(filePath, jobRoot);
+        treeCreated = true;
+        treeInUse = true;
+        if (failedPass(pass) != 0) return failedPass(pass);
+        if ((lone.attributes & platform::kAttributeReadOnly) != 0) platform::makeWritable(filePath.text());
+        platform::deleteFile(filePath.text());  // remove(): fails only on read-only
     }
-    if (count == 0) return 6;
-
-    CompressedFileList queue;
-    collectCompressedFiles(jobRoot, queue);
-    expandCompressedFiles(queue);
-    queue.clearRecords();
-    return 0;
 }

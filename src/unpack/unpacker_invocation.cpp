@@ -16,6 +16,10 @@ const char kUnpackerName[] = "qx7za.exe";
 // starts.
 bool probe(const TextString& command) { return platform::Process().start(command.text()); }
 
+void reportCallFailure(const TextString& command) {
+    std::printf("Error in Call unzip: %s\n", platform::asWritten(command.text()).c_str());
+}
+
 }  // namespace
 
 bool ArchiveUnpacker::findUnpacker() {
@@ -41,41 +45,49 @@ bool ArchiveUnpacker::findUnpacker() {
     return false;
 }
 
-std::int32_t runToEnd(const TextString& command, std::uint32_t* exitCode, std::string* output) {
-    // An interrupted run starts nothing more, and ends once the tool has
-    // been stopped and reaped, before anything looks at what it left.
-    platform::stopIfInterrupted();
+// "<tool>" x "<source>" -o"<target>" -y, paths as they stand, its console
+// hidden or its output captured. An interrupted run starts nothing more, and
+// after one the tool has been stopped and reaped before anything looks at
+// what it left.
+ArchiveUnpacker::ToolRun ArchiveUnpacker::runTool(const TextString& source, const TextString& target,
+                                                  bool captureOutput) {
+    ToolRun run;
+    run.command.assign(unpackerCommand + " x \"" + source + "\" -o\"" + target + "\" -y");
+    run.status = ToolRun::kInterrupted;
+    if (platform::interrupted()) return run;
     platform::Process process;
     const platform::ProcessStreams streams =
-        output != nullptr ? platform::ProcessStreams::kCaptured : platform::ProcessStreams::kHidden;
-    if (!process.start(command.text(), streams)) return 1;
+        captureOutput ? platform::ProcessStreams::kCaptured : platform::ProcessStreams::kHidden;
+    if (!process.start(run.command.text(), streams)) {
+        reportCallFailure(run.command);
+        run.status = ToolRun::kNotStarted;
+        return run;
+    }
     process.wait();
-    platform::stopIfInterrupted();
-    if (output != nullptr) *output = process.output();
+    if (platform::interrupted()) return run;
+    run.output = process.output();
     // A code that can't be read leaves the handles open, as it always did.
-    if (!process.exitCode(exitCode)) return 2;
+    run.status = ToolRun::kNoExitCode;
+    if (!process.exitCode(&run.exitCode)) return run;
     process.close();
-    return 0;
+    run.status = ToolRun::kEnded;
+    return run;
 }
 
 std::int32_t ArchiveUnpacker::runUnpacker(const TextString& source, const TextString& target) {
-    if (!unpackerFound && !findUnpacker()) return 1;
-    // "<tool>" x "<source>" -o"<target>" -y, paths as they stand.
-    const TextString command = unpackerCommand + " x \"" + source + "\" -o\"" + target + "\" -y";
-    std::uint32_t exitCode = 0;
-    std::string output;
-    if (runToEnd(command, &exitCode, &output) != 0) {
-        std::printf("Error in Call unzip: %s\n", platform::asWritten(command.text()).c_str());
-        return 1;
-    }
+    if (!unpackerFound && !findUnpacker()) return kPassNotRun;
+    const ToolRun run = runTool(source, target, true);
+    if (run.status == ToolRun::kInterrupted) return kPassInterrupted;
+    if (run.status == ToolRun::kNoExitCode) reportCallFailure(run.command);
+    if (run.status != ToolRun::kEnded) return kPassNotRun;
     treeCreated = true;
     treeInUse = true;
     // Other failures are judged by what the tool left.
-    const std::string damage = unpackDamage(exitCode, output);
+    const std::string damage = unpackDamage(run.exitCode, run.output);
     if (!damage.empty()) {
         // 7-Zip's own text, in the bytes 7-Zip wrote it.
         std::printf("Error, unzip failed: %s\n", damage.c_str());
-        return kDamagedPass;
+        return kPassDamaged;
     }
-    return 0;
+    return kPassRan;
 }

@@ -1,4 +1,4 @@
-// The generator's promises that the benchmark and the golden test rely on:
+// The generator's promises that the benchmark and the generated-board test rely on:
 // the same shape gives the same board, every reference in the job points at
 // something that exists (a wrong one would make the converter end
 // abnormally), GND holds exactly its share, and a board has the proportions

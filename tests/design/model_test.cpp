@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "design/design.h"
-#include "design/run_lifetime.h"
 
 namespace {
 
@@ -12,7 +12,8 @@ namespace {
 TEST(PartTest, OnlyTypeNameAndValueAreCutAtTheFirstSemicolon) {
     for (const char* input : {"R_0603;10K;1%", ";x", "74HC00", ""}) {
         const std::string kept = std::string(input).substr(0, std::string(input).find(';'));
-        Part part(nullptr);
+        Arena arena;
+        Part part(arena, nullptr);
         std::string type(input), value(input);
         part.setTypeName(type.data());
         part.setValue(value.data());
@@ -37,11 +38,12 @@ TEST(NetPinListTest, DuplicatesAreRefusedBelowAndBeyondTheIndexThreshold) {
         {"T", 31, false}, {"T3", 0, true},  {"B3", 1, false}, {"T31", 1, false}, {"T3", -1, false},
     };
     for (const int fillers : {0, 10}) {
-        Net* net = makeForRun<Net>(0, "N");
+        Arena arena;
+        Net* net = arena.make<Net>(arena, 0, "N");
         std::string expected, listed;
-        for (int f = 0; f < fillers; ++f) net->addNetPin(makeForRun<NetPin>(TextString("F"), f));
+        for (int f = 0; f < fillers; ++f) net->addNetPin(arena.make<NetPin>("F", f));
         for (const auto& s : steps) {
-            NetPin* pin = makeForRun<NetPin>(TextString(s.key), s.pinIndex);
+            NetPin* pin = arena.make<NetPin>(s.key, s.pinIndex);
             EXPECT_EQ(net->addNetPin(pin), s.added ? pin : nullptr) << fillers << " " << s.key << "/" << s.pinIndex;
             if (s.added) expected += std::string(s.key) + "/" + std::to_string(s.pinIndex) + " ";
         }
@@ -50,24 +52,27 @@ TEST(NetPinListTest, DuplicatesAreRefusedBelowAndBeyondTheIndexThreshold) {
             listed += std::string(net->pins.itemAt(i)->key.text()) + "/" + std::to_string(net->pins.itemAt(i)->pinIndex) + " ";
         }
         EXPECT_EQ(listed, expected) << fillers;
+        std::destroy_at(net);
     }
 }
 
-// A lookup gives the first pin of that name, in a short list and in lists
-// long enough to be looked up through the index.
+// A lookup gives the first pin of that name, also after pins were added
+// behind the ones a search has seen.
 TEST(PartPinListTest, FindPinByNameGivesTheFirstNamesake) {
     const std::vector<const char*> names = {"1", "A", "2", "A", "", "a", "B"};
     const struct { const char* name; int found; } queries[] = {  // found: position, -1 for none
         {"A", 1}, {"a", 5}, {"1", 0}, {"", 4}, {nullptr, 4}, {"B", 6}, {"C", -1}, {"A ", -1},
     };
-    EXPECT_EQ(Part("PKG").pins.findPinByName(""), nullptr);
+    Arena arena;
+    EXPECT_EQ(Part(arena, "PKG").pins.findPinByName(""), nullptr);
     for (const int fillers : {0, 5, 30}) {
-        Part package("PKG");
+        Part package(arena, "PKG");
         std::vector<PartPin*> pins;
-        for (const char* name : names) pins.push_back(package.pins.addItem(new PartPin(TextString(name), 0, 0)));
+        for (const char* name : names) pins.push_back(package.pins.addItem(arena.make<PartPin>(TextString(name), 0, 0)));
+        EXPECT_EQ(package.pins.findPinByName("P0"), nullptr);  // the pins so far are indexed
         for (int f = 0; f < fillers; ++f) {
-            package.pins.addItem(new PartPin(TextString(("P" + std::to_string(f)).c_str()), 0, 0));
-            package.pins.addItem(new PartPin(TextString("A"), 0, 0));
+            package.pins.addItem(arena.make<PartPin>(TextString(("P" + std::to_string(f)).c_str()), 0, 0));
+            package.pins.addItem(arena.make<PartPin>(TextString("A"), 0, 0));
         }
         EXPECT_EQ(package.pins.addItem(nullptr), nullptr);
         for (const auto& q : queries) {
@@ -83,12 +88,12 @@ TEST(PartPinListTest, FindPinByNameGivesTheFirstNamesake) {
 TEST(PartListTest, FindByRefdesFollowsRenamesAndClears) {
     Design design;
     const auto add = [&design](const char* refdes) {
-        Part* part = new Part(nullptr);
+        Part* part = design.arena.make<Part>(design.arena, nullptr);
         part->setRefdes(refdes);
         return design.components.addPart(part);
     };
     const auto found = [&design](const char* refdes) { return design.components.findByRefdes(TextString(refdes)); };
-    design.packages.addPart(new Part("PKG_A"));
+    design.packages.addPart(design.arena.make<Part>(design.arena, "PKG_A"));
     EXPECT_EQ(found(""), nullptr);  // packages aren't seen
     Part* r1 = add("R1");
     Part* u1 = add("U1");

@@ -1,69 +1,42 @@
 // The VRN writer over small boards, most of them in tests/design/cases:
-// <name>.in describes the board (see Board), <name>.out is the whole file
+// <name>.in describes the board (see DesignBuilder::run), <name>.out is the whole file
 // written and, behind a line "--- console", what the write printed.
 #include "design/netlist_writer.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
+#include <functional>
+#include <memory>
 #include <random>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "design/design.h"
-#include "design/run_lifetime.h"
+#include "support/design_builder.h"
 #include "support/reference_writer.h"
 #include "support/test_support.h"
 
 #if !defined(_WIN32)
 #include <sys/resource.h>
-
-#include <csignal>
 #endif
 
 namespace {
 
 namespace fs = std::filesystem;
 
-// The blank-separated words of a line; quotes keep blanks and make "" a word.
-std::vector<std::string> wordsOf(const std::string& line) {
-    std::vector<std::string> words;
-    bool inWord = false, quoted = false;
-    for (const char c : line) {
-        if (c == ' ' && !quoted) {
-            inWord = false;
-            continue;
-        }
-        if (!inWord) words.emplace_back(), inWord = true;
-        if (c == '"') quoted = !quoted;
-        else words.back() += c;
-    }
-    return words;
-}
-
-// A Design built as the readers build it, one line an operation:
-//   design <name>                  the name it is written under ("board")
-//   package <n>                    the next package, with pins "1" to "<n>"
-//   component <key> <refdes> <type> [package=|value=|part=|mpn=|state=<word>] [pins <pin text>...]
-//   net <name> [unnoted] [<key>/<pinIndex>...]   unnoted: the name's length isn't noted
-//   note <length>                  a net name length noted by itself
+// A Design built from a program of DesignBuilder, and its VRN file.
 class Board {
 public:
     explicit Board(const std::string& program) {
-        std::istringstream lines(program);
-        for (std::string line; std::getline(lines, line);) {
-            const std::vector<std::string> w = wordsOf(line);
-            if (w.empty() || w[0].rfind('#', 0) == 0) continue;
-            if (w[0] == "design") name_ = line.substr(7);
-            else if (w[0] == "package") addPackage(std::stoi(w[1]));
-            else if (w[0] == "component") addComponent(w);
-            else if (w[0] == "net") addNet(w);
-            else if (w[0] == "note") design_.noteNetNameLength(std::stoi(w[1]));
-            else ADD_FAILURE() << "unknown operation: " << line;
-        }
+        testsupport::DesignBuilder builder(design_);
+        name_ = builder.run(program);
+        EXPECT_EQ(builder.unknownLines, "");
     }
 
     bool write() {
@@ -90,55 +63,34 @@ public:
     }
 
 private:
-    void addPackage(int pinCount) {
-        Part* package = new Part("PKG");
-        package->assign(design_.packages.itemCount());
-        for (int p = 1; p <= pinCount; ++p) package->pins.addItem(new PartPin(TextString(p), 0, 0));
-        design_.packages.addPart(package);
-    }
-
-    void addComponent(const std::vector<std::string>& w) {
-        Part* part = new Part(nullptr);
-        part->assign(w[1].c_str());
-        std::string type = w[3];
-        part->setTypeName(type.data());
-        part->setRefdes(w[2].c_str());
-        std::size_t i = 4;
-        for (; i < w.size() && w[i] != "pins"; ++i) {
-            const std::size_t equals = w[i].find('=');
-            const std::string property = w[i].substr(0, equals);
-            std::string text = w[i].substr(equals + 1);
-            if (property == "package") part->setPackageIndex(std::stoi(text));
-            else if (property == "value") part->setValue(text.data());
-            else if (property == "part") part->setPartName(text.c_str());
-            else if (property == "mpn") part->setManufacturerPartNo(text.c_str());
-            else if (property == "state") part->state = std::stoi(text);
-            else ADD_FAILURE() << "unknown property: " << w[i];
-        }
-        for (std::int32_t number = 1; ++i < w.size(); ++number) {
-            part->pins.addItem(new PartPin("DUMMY", number, 0, w[i].c_str()));
-        }
-        design_.components.addPart(part);
-    }
-
-    void addNet(const std::vector<std::string>& w) {
-        Net* net = makeForRun<Net>(design_.nets.itemCount(), w[1].c_str());
-        std::size_t i = 2;
-        if (i < w.size() && w[i] == "unnoted") ++i;
-        else design_.noteNetNameLength(net->length());
-        design_.nets.addNet(net);
-        for (; i < w.size(); ++i) {
-            const std::size_t slash = w[i].rfind('/');
-            const TextString key(w[i].substr(0, slash).c_str());
-            net->addNetPin(makeForRun<NetPin>(key, std::stoi(w[i].substr(slash + 1))));
-        }
-    }
-
     Design design_;
-    std::string name_ = "board";
+    std::string name_;
     testsupport::ScratchDir scratch_;
     const std::string path_ = scratch_ / "out.vrn";
 };
+
+// What a child process was at when it ended abnormally: a writer that ends
+// the run by a fault fails the test that made it write, not the whole binary.
+std::string currentBoard;
+extern "C" void reportCurrentBoard(int) {
+    std::fputs(currentBoard.c_str(), stderr);
+    std::fflush(stderr);
+    std::_Exit(3);
+}
+
+// Runs check in a child process and expects it to end normally with nothing
+// wrong; check gives what is wrong, or the empty text.
+void expectInChild(const std::function<std::string()>& check) {
+    EXPECT_EXIT(
+        {
+            std::signal(SIGABRT, reportCurrentBoard);
+            const std::string wrong = check();
+            std::fputs(wrong.c_str(), stderr);
+            std::fflush(stderr);
+            std::_Exit(wrong.empty() ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "^$");
+}
 
 TEST(NetlistWriterTest, CaseFilesGiveTheirFile) {
     std::vector<fs::path> inputs;
@@ -147,11 +99,17 @@ TEST(NetlistWriterTest, CaseFilesGiveTheirFile) {
     }
     std::sort(inputs.begin(), inputs.end());
     EXPECT_FALSE(inputs.empty());
-    for (fs::path input : inputs) {
-        SCOPED_TRACE(input.stem().string());
-        const std::string program = testsupport::readFile(input.string());
-        EXPECT_EQ(Board(program).written(), testsupport::readFile(input.replace_extension(".out").string()));
-    }
+    expectInChild([&inputs] {
+        std::string wrong;
+        for (fs::path input : inputs) {
+            currentBoard = "ended abnormally on the case " + input.stem().string() + "\n";
+            const std::string written = Board(testsupport::readFile(input.string())).written();
+            if (written != testsupport::readFile(input.replace_extension(".out").string())) {
+                wrong += input.stem().string() + " gives:\n" + written;
+            }
+        }
+        return wrong;
+    });
 }
 
 // A board program drawn from seed: the shapes real boards have and those the
@@ -227,25 +185,28 @@ std::string randomBoard(unsigned seed) {
 // boards. Where the reference says the run ends, a few of them show that the
 // writer ends it too.
 TEST(NetlistWriterTest, DrawnBoardsGiveTheReferenceFile) {
-    int written = 0, ended = 0;
-    for (unsigned seed = 0; seed < 2700; ++seed) {
-        const std::string program = randomBoard(seed);
-        Board board(program);
-        const reference::Vrn expected = board.reference();
-        if (expected.endsAbnormally) {
-            if (++ended <= 5) {
-                EXPECT_DEATH(board.write(), "^$") << program;
-            }
-            continue;
+    std::vector<unsigned> ending;
+    expectInChild([&ending] {
+        int written = 0;
+        for (unsigned seed = 0; seed < 2700; ++seed) {
+            const std::string program = randomBoard(seed);
+            currentBoard = "ended abnormally on seed " + std::to_string(seed) + ", board:\n" + program;
+            Board board(program);
+            const reference::Vrn expected = board.reference();
+            if (expected.endsAbnormally) continue;
+            ++written;
+            const std::string console = expected.console.empty() ? "" : "--- console\n" + expected.console;
+            if (board.written() != expected.file + console) return "seed " + std::to_string(seed) + ", board:\n" + program;
         }
-        ++written;
-        const std::string console = expected.console.empty() ? "" : "--- console\n" + expected.console;
-        if (board.written() != expected.file + console) {
-            ADD_FAILURE() << "seed " << seed << ", board:\n" << program;
-            break;
-        }
+        return written >= 2000 ? std::string() : "only " + std::to_string(written) + " boards written";
+    });
+    for (unsigned seed = 0; ending.size() < 5; ++seed) {
+        if (Board(randomBoard(seed)).reference().endsAbnormally) ending.push_back(seed);
     }
-    EXPECT_GE(written, 2000);
+    for (const unsigned seed : ending) {
+        Board board(randomBoard(seed));
+        EXPECT_DEATH(board.write(), "^$") << randomBoard(seed);
+    }
 }
 
 // An index the model doesn't hold ends the run without a word. The package
@@ -314,7 +275,7 @@ TEST(StripPinPrefixTest, JudgesByLengthsAlone) {
         {"U10", "U1", nullptr}, {"U1", "-1-2", "1-2"}, {"U1", "U1-2-3", "2-3"},
     };
     for (const auto& c : cases) {
-        const char* result = stripPinPrefix(c.refdes, c.pinText);
+        const char* result = stripPinPrefix(std::strlen(c.refdes), c.pinText);
         EXPECT_EQ(std::string(result ? result : "<none>"), c.result ? c.result : "<none>") << c.pinText;
     }
 }

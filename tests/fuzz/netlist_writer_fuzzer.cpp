@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "design/design.h"
+#include "support/design_builder.h"
 #include "support/fuzz_support.h"
 
 namespace {
@@ -29,10 +30,10 @@ public:
     void run() {
         for (int step = 0; step < 200 && in_.remaining_bytes() > 0; ++step) {
             switch (in_.ConsumeIntegralInRange(0, 6)) {
-                case 0: addPackage(); break;
+                case 0: build_.addPackage(in_.ConsumeIntegralInRange(0, 40)); break;
                 case 1: addComponent(); break;
                 case 2:
-                    if (Part* part = someComponent()) part->pins.addItem(new PartPin("DUMMY", 0, 0, text(8).c_str()));
+                    if (Part* part = someComponent()) build_.addPin(part, text(8));
                     break;
                 case 3: renameComponent(); break;
                 case 4: addNet(); break;
@@ -69,29 +70,16 @@ private:
         return count == 0 ? nullptr : design_.components.itemAt(in_.ConsumeIntegralInRange(0, count - 1));
     }
 
-    void addPackage() {
-        Part* package = new Part(text(24).c_str());
-        package->assign(design_.packages.itemCount());
-        design_.packages.addPart(package);
-        for (int i = in_.ConsumeIntegralInRange(0, 40); i > 0; --i) {
-            package->pins.addItem(new PartPin(TextString(text(6).c_str()), 0, 0));
-        }
-    }
-
     void addComponent() {
-        Part* part = new Part(nullptr);
-        part->assign(key().c_str());
-        std::string typeName = text(24), value = text(16);
-        part->setTypeName(typeName.data());
-        part->setRefdes(text(16).c_str());
+        const std::string partKey = key();
+        const std::string refdes = text(16);
+        Part* part = build_.addComponent(partKey, refdes, text(24));
         part->setPackageIndex(index(design_.packages.itemCount()));
+        std::string value = text(16);
         if (in_.ConsumeBool()) part->setValue(value.data());
         if (in_.ConsumeBool()) part->setPartName(text(16).c_str());
         if (in_.ConsumeBool()) part->setManufacturerPartNo(text(16).c_str());
-        for (int i = 0, n = in_.ConsumeIntegralInRange(0, 10); i < n; ++i) {
-            part->pins.addItem(new PartPin("DUMMY", i, 0, text(8).c_str()));
-        }
-        design_.components.addPart(part);
+        for (int i = 0, n = in_.ConsumeIntegralInRange(0, 10); i < n; ++i) build_.addPin(part, text(8));
         checkRefdes(part->refdes.text());
     }
 
@@ -106,20 +94,17 @@ private:
     }
 
     void addNet() {
-        nets_.push_back(std::make_unique<Net>(static_cast<std::int32_t>(nets_.size()), text(40).c_str()));
         // The reader notes every net; a Design may hold one longer than it was told.
-        if (in_.ConsumeIntegralInRange(0, 7) != 0) design_.noteNetNameLength(nets_.back()->length());
-        design_.nets.addNet(nets_.back().get());
+        const std::string name = text(40);
+        nets_.push_back(build_.addNet(name, in_.ConsumeIntegralInRange(0, 7) != 0));
     }
 
     void addNetPin() {
         if (nets_.empty()) return;
-        Net& net = *nets_[in_.ConsumeIntegralInRange<std::size_t>(0, nets_.size() - 1)];
+        Net* net = nets_[in_.ConsumeIntegralInRange<std::size_t>(0, nets_.size() - 1)];
         Part* part = in_.ConsumeIntegralInRange(0, 3) != 0 ? someComponent() : nullptr;
-        const TextString pinKey(part != nullptr ? part->text() : key().c_str());
-        const std::int32_t pinIndex = index(part != nullptr ? part->pins.itemCount() : 1);
-        pins_.push_back(std::make_unique<NetPin>(pinKey, pinIndex));
-        net.addNetPin(pins_.back().get());
+        const std::string pinKey = part != nullptr ? part->text() : key();
+        build_.addNetPin(net, pinKey, index(part != nullptr ? part->pins.itemCount() : 1));
     }
 
     void checkRefdes(const char* refdes) {
@@ -133,11 +118,9 @@ private:
     }
 
     FuzzedDataProvider& in_;
-    // Declared ahead of the Design: nets and net pins are never released by
-    // it, and must outlive it.
-    std::vector<std::unique_ptr<Net>> nets_;
-    std::vector<std::unique_ptr<NetPin>> pins_;
     Design design_;
+    testsupport::DesignBuilder build_{design_};
+    std::vector<Net*> nets_;
 };
 
 }  // namespace

@@ -1,6 +1,6 @@
 // The readers of JobReader, one job file at a time from the case folders,
-// and whole jobs read as a conversion reads them (readJobInto) and written
-// by the VRN writer.
+// and whole jobs read as a conversion reads them (readJob) and written by
+// the VRN writer.
 #include "odb/job_reader.h"
 
 #include <gtest/gtest.h>
@@ -12,7 +12,6 @@
 #include <string>
 
 #include "design/design.h"
-#include "frame/conversion.h"
 #include "odb/reader_test_support.h"
 
 namespace {
@@ -77,7 +76,7 @@ void expectJob(const std::string& jobRoot, const char* jobName, std::int32_t res
     const std::string vrn = scratch / "out.vrn";
     std::int32_t actual = -1;
     const std::string console = odbtest::consoleOf([&] {
-        actual = readJobInto(TextString(jobRoot.c_str()), TextString(jobName), design);
+        actual = JobReader(TextString(jobRoot.c_str()), TextString(jobName), design).readJob();
         TextString name(jobName);
         EXPECT_TRUE(design.writeNetlistFile(vrn.c_str(), name));
     });
@@ -126,7 +125,7 @@ TEST(JobReaderTest, CrLfJobReadsAsItsLfTwin) {
     Design design;
     std::int32_t result = -1;
     const std::string printed = odbtest::consoleOf(
-        [&] { result = readJobInto(TextString(odbtest::jobDir(job).c_str()), TextString("job"), design); });
+        [&] { result = JobReader(TextString(odbtest::jobDir(job).c_str()), TextString("job"), design).readJob(); });
     int rest = -1;
     if (std::scanf("%d", &rest) != 1) rest = -1;
     std::fprintf(stderr, "rest=%d result=%d %s printed=%s", rest, result, odbtest::dumpNets(design).c_str(),

@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "frame/run_options.h"
 #include "platform/random_fallback.h"
 #include "support/test_support.h"
 
@@ -50,7 +51,7 @@ protected:
     std::string cwd_, drive_, root_ = "/";
 };
 
-std::string fullPathOf(const std::string& path, int limit = platform::kFullPathLimit) {
+std::string fullPathOf(const std::string& path, int limit = kPathArea) {
     std::vector<char> buffer(static_cast<std::size_t>(limit) + 1);
     return platform::fullPath(buffer.data(), path.c_str(), limit) ? buffer.data() : "<failed>";
 }

@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "design/design.h"
-#include "design/product.h"
+#include "odb2vrn_version.h"
 
 namespace reference {
 
@@ -123,8 +123,8 @@ Vrn write(Design& design, const std::string& designName) {
     }
     if (sameIgnoringCase(name, "NETLIST") || sameIgnoringCase(name, "PART_LIST")) name = "Vrn_" + name;
     vrn.file = "DESIGN\t" + name + "\n\n";
-    vrn.file += std::string("! Netlist Converter ") + kProgramTitle + " --> Vrn, version " + kVersionNumber + "\n";
-    vrn.file += std::string("! Copyright (c) 2004-2023 ") + kRightsHolder + ". All rights reserved.\n\n";
+    vrn.file += "! Netlist Converter " ODB2VRN_PROGRAM_TITLE " --> Vrn, version " ODB2VRN_VERSION "\n";
+    vrn.file += "! " ODB2VRN_COPYRIGHT ". All rights reserved.\n\n";
     vrn.file += "PART_LIST\n";
     for (std::int32_t i = 0; i < design.components.itemCount(); ++i) {
         Part* part = design.components.itemAt(i);

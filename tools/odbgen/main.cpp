@@ -1,5 +1,5 @@
 // odbgen: writes a large synthetic ODB++ job, deterministic for its seed,
-// for benchmarks and for the golden test of the converter's output.
+// for benchmarks and for the test of the converter on a generated board.
 //
 //   odbgen [-c COMPONENTS] [-s SEED] [-g GROUND_PERCENT] [--crlf]
 //          [--job NAME] [--tgz ARCHIVE] OUT_DIR

@@ -4,11 +4,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <new>
-#include <vector>
 
 #include "design/design.h"
-#include "design/run_lifetime.h"
 #include "odb/job_reader.h"
 #include "support/reference_writer.h"
 
@@ -19,36 +16,9 @@ namespace {
     std::abort();
 }
 
-struct RunObject {
-    void* storage;
-    std::size_t size, alignment;
-};
-std::vector<RunObject> runObjects;
-
-// The converter makes three kinds of run objects; their sizes tell them apart.
-static_assert(sizeof(Net) != sizeof(NetPin) && sizeof(Net) != sizeof(TextString) &&
-              sizeof(NetPin) != sizeof(TextString));
-
-void releaseRunObjects() {
-    for (const RunObject& object : runObjects) {
-        if (object.size == sizeof(Net)) static_cast<Net*>(object.storage)->~Net();
-        else if (object.size == sizeof(NetPin)) static_cast<NetPin*>(object.storage)->~NetPin();
-        else if (object.size == sizeof(TextString)) static_cast<TextString*>(object.storage)->~TextString();
-        else fail("a run object of unknown size", std::to_string(object.size));
-    }
-    for (const RunObject& object : runObjects) ::operator delete(object.storage, std::align_val_t(object.alignment));
-    runObjects.clear();
-}
-
 std::string jobRoot() { return fuzzing::workspace() + "/job"; }
 
 }  // namespace
-
-void* allocateForRun(std::size_t size, std::size_t alignment) {
-    void* storage = ::operator new(size, std::align_val_t(alignment));
-    runObjects.push_back({storage, size, alignment});
-    return storage;
-}
 
 namespace fuzzing {
 
@@ -109,13 +79,10 @@ void writeNetlist(Design& design, const std::string& designName) {
 }
 
 void convertJob() {
-    {
-        Design design;
-        JobReader reader(TextString(jobRoot().c_str()), TextString("job"), design);
-        reader.readJob();  // a failed read keeps what it added; a run writes it
-        writeNetlist(design, "job");
-    }
-    releaseRunObjects();
+    Design design;
+    JobReader reader(TextString(jobRoot().c_str()), TextString("job"), design);
+    reader.readJob();  // a failed read keeps what it added; a run writes it
+    writeNetlist(design, "job");
 }
 
 }  // namespace fuzzing

@@ -2,8 +2,6 @@
 // TMPDIR, removed at a normal exit), a copy there of the small board the
 // reader targets convert (tests/fuzz/board: a consistent job in the shapes
 // real exporters write, with R1 on both sides), and the guarded VRN write.
-// It also defines allocateForRun in place of design/run_lifetime.cpp: each
-// run object is a heap block of its own, freed after each input.
 #pragma once
 
 #include <string>
