@@ -1,10 +1,11 @@
-// Each record scan against sscanf with the format it stands for, over lines
-// built from the tokens that trip a formatted scan: signs, hex, inf, nan,
-// exponents with and without digits, more digits than a long holds, numbers
-// that run into letters, empty and blank lines, tabs, CR, high bytes. Every
-// result and every area a field assigns must be sscanf's, and an area that
-// no field reached must be left as it was.
+// The first-word scan and each record scan against sscanf with the format
+// it stands for, over lines built from the tokens that trip a formatted
+// scan: signs, hex, inf, nan, exponents with and without digits, more digits
+// than a long holds, numbers that run into letters, empty and blank lines,
+// tabs, CR, high bytes. Every result and every area a field assigns must be
+// sscanf's, and an area that no field reached must be left as it was.
 #include "odb/record_scans.h"
+#include "odb/line_scanner.h"
 
 #include <gtest/gtest.h>
 
@@ -66,6 +67,7 @@ TEST(RecordScans, AsSscanfWithTheirFormats) {
         double x = 0, y = 0, rotation = 0;
         long subnet = 0;
 
+        expectSame(text, scanFirstWord(line, ours.words[0]), std::sscanf(line, "%15s", theirs.words[0]), ours, theirs);
         expectSame(text, scanNetRecord(line, ours.words[0], ours.words[1]),
                    std::sscanf(line, "%*s %2047s %2047s", theirs.words[0], theirs.words[1]), ours, theirs);
         expectSame(text, scanNameRecord(line, ours.words[0]), std::sscanf(line, "%*s %2047s", theirs.words[0]),
