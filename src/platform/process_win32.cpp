@@ -108,8 +108,16 @@ bool Process::start(const char* commandLine, ProcessStreams streams) {
     PROCESS_INFORMATION started;
     std::memset(&started, 0, sizeof started);
     // Suspended until it is in the job, so that nothing it starts escapes.
-    const BOOL created = CreateProcessA(nullptr, line.data(), nullptr, nullptr, captured ? TRUE : FALSE,
-                                        CREATE_NEW_CONSOLE | CREATE_SUSPENDED, nullptr, nullptr, &startup, &started);
+    // Wine, with many programs starting at once, now and then refuses a
+    // start with ERROR_INTERNAL_ERROR before anything of the program ran
+    // (a 7-Zip start in one of four CI runs of its suite); such a start is
+    // tried once more.
+    BOOL created = FALSE;
+    for (int attempt = 0; attempt < 2 && created == FALSE; ++attempt) {
+        created = CreateProcessA(nullptr, line.data(), nullptr, nullptr, captured ? TRUE : FALSE,
+                                 CREATE_NEW_CONSOLE | CREATE_SUSPENDED, nullptr, nullptr, &startup, &started);
+        if (created == FALSE && GetLastError() != ERROR_INTERNAL_ERROR) break;
+    }
     capture.closeChildEnds();
     if (!created) {
         if (capture.reader != nullptr) CloseHandle(capture.reader);
